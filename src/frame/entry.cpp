@@ -1,0 +1,66 @@
+#include "frame/entry.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frame/error_buffer.h"
+#include "frame/error_exit.h"
+#include "frame/licence.h"
+#include "frame/text.h"
+
+namespace vek::frame {
+namespace {
+
+// A message record: one blank, then the text, cut to the 80-character record.
+std::string record(std::string_view text) { return (" " + std::string(text)).substr(0, kLineLength); }
+
+// Fills one record template with the buffer's values: {k} is field k + 3, trimmed.
+std::string fill(std::string_view tmpl, const ParsedBuffer& p) {
+  std::string out;
+  for (size_t i = 0; i < tmpl.size(); ++i) {
+    if (tmpl[i] == '{' && i + 2 < tmpl.size() && tmpl[i + 1] >= '1' && tmpl[i + 1] <= '9' && tmpl[i + 2] == '}') {
+      const size_t field = static_cast<size_t>(tmpl[i + 1] - '1') + 3;
+      if (field < p.lines.size()) out += text::trim(p.lines[field]);
+      i += 2;
+    } else {
+      out += tmpl[i];
+    }
+  }
+  return out;
+}
+
+}  // namespace
+
+int64_t report_failure(int64_t ifail_on_entry, int64_t ierr, const char* errbuf, const char* srname,
+                       std::span<const Message> table) {
+  std::vector<std::string> records;
+  if (ierr == kAllocationFailed) {
+    records.push_back(record("** Dynamic memory allocation failed."));
+  } else if (ierr == kLicenceRefused) {
+    records.push_back(record(licence::kRefusedRecord));
+  } else {
+    const ParsedBuffer p = parse_error_buffer(text::view(errbuf, kErrbufLength));
+    const Message* found = nullptr;
+    if (p.status == 0) {
+      for (const Message& m : table) {
+        if (m.ierr == ierr && m.msgno == p.msgno) found = &m;
+      }
+    }
+    if (found != nullptr) {
+      std::string_view all(found->records);
+      for (size_t start = 0; start <= all.size();) {
+        const size_t end = std::min(all.find('\n', start), all.size());
+        records.push_back(record(fill(all.substr(start, end - start), p)));
+        start = end + 1;
+      }
+    } else {
+      records.push_back(record("** Unexpected error (" + text::fixed_int(ierr, 5) + "," +
+                               text::fixed_int(p.msgno, 5) + ")"));
+      ierr = kUnexpectedError;
+    }
+  }
+  return error_exit(ifail_on_entry, ierr, srname, records);
+}
+
+}  // namespace vek::frame
