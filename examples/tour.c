@@ -1,24 +1,8 @@
 /* A tour of the library: calls representative routines through their exported entries, as any C program
- * would, and prints what they return. */
-#include <stdio.h>
-#include <string.h>
-
-#include "vek.h"
-
-static void section(const char* title) { printf("\n== %s\n", title); }
+ * would, and prints what they return. Each chapter adds its section in tour_<topic>.c. */
+#include "tour.h"
 
 int main(void) {
-  section("Output units (x04)");
-  int64_t iflag = 0, nerr = -1, nadv = -1;
-  x04aaf_(&iflag, &nerr);
-  x04abf_(&iflag, &nadv);
-  printf("error unit %lld, advisory unit %lld\n", (long long)nerr, (long long)nadv);
-  const char* rec = "A record written on the advisory unit by x04baf: 100% of it.";
-  x04baf_(&nadv, rec, (int64_t)strlen(rec));
-
-  section("A failure reported with IFAIL = -1 (x04acf with MODE = 7)");
-  int64_t unit = 9, mode = 7, ifail = -1;
-  x04acf_(&unit, "out.txt", &mode, &ifail, 7);
-  printf("IFAIL on exit: %lld\n", (long long)ifail);
+  tour_units();
   return 0;
 }

@@ -1,0 +1,11 @@
+/* The tour's sections, one per chapter (examples/tour_<topic>.c). */
+#ifndef VEK_TOUR_H
+#define VEK_TOUR_H
+
+#include <stdio.h>
+
+static inline void tour_section(const char* title) { printf("\n== %s\n", title); }
+
+void tour_units(void);
+
+#endif
