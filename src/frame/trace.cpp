@@ -33,7 +33,7 @@ void count_nan() { g_nan_count.fetch_add(1, std::memory_order_relaxed); }
 
 std::string line(std::string_view name, std::string_view value) {
   std::string out(kLineWidth, ' ');
-  const std::string_view n = text::trim(name);
+  const std::string_view n = text::trim_right(name);
   out.replace(4, std::min(n.size(), size_t{kNameColumns}), n.substr(0, kNameColumns));
   if (n.size() > kNameColumns) out.replace(46, 3, "...");
   out.replace(49, 5, ":    ");
