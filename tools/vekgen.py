@@ -241,12 +241,13 @@ def dump_line(r: Routine, a: Arg) -> str:
 
 
 def emit_trace_wrapper(r: Routine) -> list[str]:
+    """The wrapper tests the level and jumps to the stub; the dumps live in a cold function of their own so
+    that the untraced path has no frame to set up."""
     name = r.name
     params = ", ".join(r.worker_params())
     call = f"{name}v_({r.worker_call()})"
-    out = [f"{r.ret_type()} {name}t_({params}) {{",
-           "  const int64_t trace_level = vek::trace::level();",
-           f"  if (trace_level == 0) return {call};",
+    out = [f"[[gnu::noinline, gnu::cold]] static {r.ret_type()} {name}t_traced("
+           f"{', '.join(['int64_t trace_level'] + r.worker_params())}) {{",
            f"  vek::trace::Record trace_rec({c_string(name.upper() + 'T')}, trace_level);",
            "  trace_rec.begin(true);"]
     out += ["  " + dump_line(r, a) for a in r.args if a.intent != "out"]
@@ -266,6 +267,11 @@ def emit_trace_wrapper(r: Routine) -> list[str]:
     if r.returns:
         out.append("  return trace_value;")
     out.append("}")
+    out += [f"{r.ret_type()} {name}t_({params}) {{",
+            "  const int64_t trace_level = vek::trace::level();",
+            f"  if (trace_level == 0) [[likely]] return {call};",
+            f"  return {name}t_traced({', '.join(['trace_level'] + ([r.worker_call()] if r.worker_call() else []))});",
+            "}"]
     return out
 
 
