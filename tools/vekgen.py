@@ -139,6 +139,12 @@ def parse_chapter(path: Path) -> Chapter:
     current: Routine | None = None
     for lineno, raw in enumerate(path.read_text().splitlines(), 1):
         where = f"{path}:{lineno}"
+        head = raw.split(None, 1)
+        if head and head[0] == "purpose":  # free text to the end of the line, quotes and all
+            if current is None:
+                raise DeclError(f"{where}: 'purpose' outside a routine")
+            current.purpose = head[1].strip() if len(head) > 1 else ""
+            continue
         try:
             words = shlex.split(raw, comments=True)
         except ValueError as e:
@@ -171,8 +177,6 @@ def parse_chapter(path: Path) -> Chapter:
             current = None
         elif current is None:
             raise DeclError(f"{where}: '{key}' outside a routine")
-        elif key == "purpose":
-            current.purpose = raw.split("purpose", 1)[1].strip()
         elif key in INTENTS:
             if len(rest) != 2:
                 raise DeclError(f"{where}: '{key} NAME TYPE'")

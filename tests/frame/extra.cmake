@@ -12,3 +12,11 @@ if(CMAKE_Fortran_COMPILER)
   add_test(NAME frame_fortran_caller COMMAND test_frame_fortran WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
   set_tests_properties(frame_fortran_caller PROPERTIES LABELS frame)
 endif()
+
+# The installed library, its header and its pkg-config file, used by a client program.
+if(NOT VEK_SANITIZE)
+  add_test(NAME frame_install_and_pkg_config
+           COMMAND ${CMAKE_CURRENT_LIST_DIR}/install_check.sh ${PROJECT_BINARY_DIR}
+                   ${PROJECT_SOURCE_DIR}/examples/client.c)
+  set_tests_properties(frame_install_and_pkg_config PROPERTIES LABELS frame)
+endif()
