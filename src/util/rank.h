@@ -1,0 +1,72 @@
+// Ranking, permutations and rearranging: the kernels behind the M01 rank, rearrange and permutation routines,
+// callable by any chapter (quadrature ranks its subintervals with them).
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "util/sort_kernel.h"
+
+namespace vek::util {
+
+// The order the chapter gives reals: numbers as usual, -0 before +0, NaNs after every number.
+inline bool real_less(double x, double y) {
+  if (x < y) return true;
+  if (x == y) return std::signbit(x) && !std::signbit(y);
+  return std::isnan(y) && !std::isnan(x);
+}
+
+// The positions 0..n-1 the items take when sorted by less(i, j), a strict weak order on item numbers; equal
+// items keep the order of their numbers. positions[i] = base + position of item i.
+template <class LessItem>
+void rank_items(int64_t n, LessItem less, std::span<int64_t> positions, int64_t base) {
+  if (n <= 0) return;
+  std::vector<int64_t> items(static_cast<size_t>(n));
+  for (int64_t i = 0; i < n; ++i) items[static_cast<size_t>(i)] = i;
+  quicksort(items.data(), 0, n - 1,
+            [&less](int64_t i, int64_t j) { return less(i, j) || (i < j && !less(j, i)); });
+  for (int64_t p = 0; p < n; ++p) positions[static_cast<size_t>(items[static_cast<size_t>(p)])] = base + p;
+}
+
+// Ranks of the values of v in `order` (reals in the order of real_less), counted from base.
+void rank(std::span<const double> v, Order order, std::span<int64_t> positions, int64_t base);
+void rank(std::span<const int64_t> v, Order order, std::span<int64_t> positions, int64_t base);
+
+// Why a vector is not a permutation of base..base+n-1: the first entry (index from 0) that is out of range or
+// repeats an earlier one.
+struct PermutationFault {
+  enum class Kind { none, out_of_range, repeated } kind = Kind::none;
+  int64_t index = 0;
+  int64_t value = 0;
+};
+
+PermutationFault check_permutation(std::span<const int64_t> perm, int64_t base);
+
+// Moves item i to position perm[i] - base for every i, by following the cycles of a valid permutation and
+// calling swap_items(i, j) on item numbers.
+template <class SwapItems>
+void apply_permutation(std::span<const int64_t> perm, int64_t base, SwapItems swap_items) {
+  const int64_t n = static_cast<int64_t>(perm.size());
+  std::vector<bool> placed(static_cast<size_t>(n));
+  for (int64_t s = 0; s < n; ++s) {
+    if (placed[static_cast<size_t>(s)]) continue;
+    placed[static_cast<size_t>(s)] = true;
+    for (int64_t k = perm[static_cast<size_t>(s)] - base; k != s; k = perm[static_cast<size_t>(k)] - base) {
+      swap_items(s, k);
+      placed[static_cast<size_t>(k)] = true;
+    }
+  }
+}
+
+// v[perm[i] - base] = old v[i] for a valid permutation perm.
+template <class T>
+void rearrange(std::span<T> v, std::span<const int64_t> perm, int64_t base) {
+  apply_permutation(perm, base, [v](int64_t i, int64_t j) { std::swap(v[static_cast<size_t>(i)], v[static_cast<size_t>(j)]); });
+}
+
+// Replaces a valid permutation by its inverse.
+void invert_permutation(std::span<int64_t> perm, int64_t base);
+
+}  // namespace vek::util

@@ -1,0 +1,100 @@
+// The sort driver: NaNs set aside, serial or parallel sort, signed zeros put in order, reversal for
+// descending order.
+#include "util/sort.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <new>
+#include <type_traits>
+
+#include "frame/threads.h"
+
+namespace vek::util {
+namespace {
+
+// Each thread of the parallel path sorts at least this many elements; below it a thread costs more to start
+// than it saves.
+constexpr int64_t kMinPiece = int64_t{1} << 15;
+
+struct Ascending {
+  template <class T>
+  bool operator()(const T& x, const T& y) const { return x < y; }
+};
+
+// Moves the NaNs to the end, the numbers keeping their order; returns the count of numbers.
+int64_t set_aside_nans(std::span<double> v) {
+  const auto first = std::find_if(v.begin(), v.end(), [](double x) { return std::isnan(x); });
+  if (first == v.end()) return static_cast<int64_t>(v.size());
+  auto out = first;
+  for (auto it = first; it != v.end(); ++it)
+    if (!std::isnan(*it)) std::iter_swap(out++, it);
+  return out - v.begin();
+}
+
+// In a sorted vector of numbers the zeros form one run whose signs the sort left in no particular order:
+// write the negative zeros first.
+void order_signed_zeros(std::span<double> v) {
+  const auto lo = std::lower_bound(v.begin(), v.end(), 0.0);
+  const auto hi = std::upper_bound(lo, v.end(), 0.0);
+  const auto negative = std::count_if(lo, hi, [](double x) { return std::signbit(x); });
+  std::fill(lo, lo + negative, -0.0);
+  std::fill(lo + negative, hi, 0.0);
+}
+
+template <class T>
+void finish_serial(std::span<T> numbers) {
+  if constexpr (std::is_floating_point_v<T>) order_signed_zeros(numbers);
+}
+
+// Start of piece k of n elements cut into `pieces` nearly equal pieces.
+int64_t piece_start(int64_t k, int64_t n, int64_t pieces) { return k * (n / pieces) + std::min(k, n % pieces); }
+
+// One parallel region: a piece per thread (static schedule), pairwise merges in log2(team) rounds with a
+// barrier before each, then the zeros and the reversal.
+template <class T>
+void sort_parallel(std::span<T> v, int64_t numbers, T* work, int threads, Order order) {
+  T* a = v.data();
+  const int64_t n = static_cast<int64_t>(v.size());
+#pragma omp parallel num_threads(threads)
+  {
+    const int64_t team = threads::team_size(), t = threads::thread_num();
+    quicksort(a, piece_start(t, numbers, team), piece_start(t + 1, numbers, team) - 1, Ascending{});
+    for (int64_t step = 1; step < team; step *= 2) {
+#pragma omp barrier
+      if (t % (2 * step) == 0 && t + step < team)
+        merge_runs(a, work, piece_start(t, numbers, team), piece_start(t + step, numbers, team) - 1,
+                   piece_start(std::min(t + 2 * step, team), numbers, team) - 1, Ascending{});
+    }
+#pragma omp barrier
+#pragma omp single
+    finish_serial(std::span<T>(a, static_cast<size_t>(numbers)));
+    if (order == Order::descending) {
+#pragma omp for schedule(static)
+      for (int64_t k = 0; k < n / 2; ++k) std::swap(a[k], a[n - 1 - k]);
+    }
+  }
+}
+
+template <class T>
+void sort_vector(std::span<T> v, Order order) {
+  const int64_t n = static_cast<int64_t>(v.size());
+  int64_t numbers = n;
+  if constexpr (std::is_floating_point_v<T>) numbers = set_aside_nans(v);
+
+  const int threads = static_cast<int>(std::clamp<int64_t>(numbers / kMinPiece, 1, threads::max_threads()));
+  std::unique_ptr<T[]> work;
+  if (threads > 1) work.reset(new (std::nothrow) T[static_cast<size_t>(numbers)]);
+  if (work) return sort_parallel(v, numbers, work.get(), threads, order);
+
+  if (numbers > 1) quicksort(v.data(), 0, numbers - 1, Ascending{});
+  finish_serial(v.first(static_cast<size_t>(numbers)));
+  if (order == Order::descending) std::reverse(v.begin(), v.end());
+}
+
+}  // namespace
+
+void sort(std::span<double> v, Order order) { sort_vector(v, order); }
+void sort(std::span<int64_t> v, Order order) { sort_vector(v, order); }
+
+}  // namespace vek::util

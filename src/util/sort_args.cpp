@@ -1,0 +1,29 @@
+// The shared argument checks of the M01 routines.
+#include "util/sort_args.h"
+
+#include <algorithm>
+
+#include "frame/text.h"
+
+namespace vek::util {
+
+bool valid_range(frame::ErrorBuffer& err, int64_t m1, int64_t m2, int64_t msgno) {
+  if (m2 < 1) err.fail(1, msgno, m2);
+  else if (m1 < 1) err.fail(1, msgno - 1, m1);
+  else if (m1 > m2) err.fail(1, msgno - 2, m1, m2);
+  else return true;
+  return false;
+}
+
+std::optional<Order> order_argument(frame::ErrorBuffer& err, const char* order, int64_t order_len,
+                                    int64_t ifail, int64_t msgno) {
+  switch (text::option_letter(order, order_len)) {
+    case 'A': return Order::ascending;
+    case 'D': return Order::descending;
+    default:
+      err.fail(ifail, msgno, frame::CharValue{text::view(order, std::min<int64_t>(order_len, 1))});
+      return std::nullopt;
+  }
+}
+
+}  // namespace vek::util
