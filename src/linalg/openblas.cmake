@@ -1,0 +1,28 @@
+# The BLAS/LAPACK bodies: Debian's ILP64 OpenMP OpenBLAS static archive, linked into the library with all its
+# symbols renamed vekob_* (src/linalg/rename_archive.py), so that nothing of it is visible outside and our
+# exported published names (dgemm_, dgetrf_ ...) are the library's own entries. Its LAPACK part is Fortran:
+# it needs the gfortran run-time library, which is not a BLAS.
+find_library(VEK_OPENBLAS64_ARCHIVE NAMES libopenblas64.a PATH_SUFFIXES openblas64-openmp REQUIRED
+             DOC "Debian libopenblas64-openmp-dev static archive")
+execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=libgfortran.so
+                OUTPUT_VARIABLE VEK_GFORTRAN_LIBRARY OUTPUT_STRIP_TRAILING_WHITESPACE)
+if(NOT IS_ABSOLUTE "${VEK_GFORTRAN_LIBRARY}")
+  message(FATAL_ERROR "libgfortran.so not found (install gfortran through tools/deps.sh)")
+endif()
+
+set(VEK_OPENBLAS_RENAMED ${PROJECT_BINARY_DIR}/linalg/libvekob.a)
+add_custom_command(
+  OUTPUT ${VEK_OPENBLAS_RENAMED}
+  COMMAND ${CMAKE_COMMAND} -E make_directory ${PROJECT_BINARY_DIR}/linalg
+  COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_LIST_DIR}/rename_archive.py --nm ${CMAKE_NM}
+          --objcopy ${CMAKE_OBJCOPY} --ar ${CMAKE_AR} --prefix vekob_ --drop xerbla.o
+          ${VEK_OPENBLAS64_ARCHIVE} ${VEK_OPENBLAS_RENAMED}
+  DEPENDS ${CMAKE_CURRENT_LIST_DIR}/rename_archive.py ${VEK_OPENBLAS64_ARCHIVE}
+  COMMENT "Renaming the OpenBLAS archive's symbols (vekob_)"
+  VERBATIM)
+add_custom_target(vek_openblas DEPENDS ${VEK_OPENBLAS_RENAMED})
+add_dependencies(vek_objects vek_openblas)
+
+target_link_libraries(vek_objects PUBLIC ${VEK_OPENBLAS_RENAMED} ${VEK_GFORTRAN_LIBRARY} OpenMP::OpenMP_CXX m)
+# In a static link the archive's calls of its error hook must find the library's (src/linalg/argument_error.cpp).
+target_link_options(vek_static INTERFACE LINKER:--undefined=vekob_xerbla_)
