@@ -2,6 +2,7 @@
 // callable by any chapter (quadrature ranks its subintervals with them).
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <span>
@@ -30,9 +31,30 @@ void rank_items(int64_t n, LessItem less, std::span<int64_t> positions, int64_t 
   for (int64_t p = 0; p < n; ++p) positions[static_cast<size_t>(items[static_cast<size_t>(p)])] = base + p;
 }
 
-// Ranks of the values of v in `order` (reals in the order of real_less), counted from base.
-void rank(std::span<const double> v, Order order, std::span<int64_t> positions, int64_t base);
-void rank(std::span<const int64_t> v, Order order, std::span<int64_t> positions, int64_t base);
+// Items whose keys stand in an array at fixed strides: key k of item i is first[i * item_stride +
+// k * key_stride], k < keys. One table describes a vector (1, 1, 1), the rows of a column-major matrix (1, ldm,
+// columns), its columns (ldm, 1, rows) and fixed-length strings (length, 1, key length); items compare key by
+// key.
+template <class T>
+struct KeyTable {
+  const T* first;
+  int64_t item_stride = 1;
+  int64_t key_stride = 1;
+  int64_t keys = 1;
+};
+
+// Ranks of n items of a key table in `order`, counted from base; equal items keep their order. Reals compare
+// by real_less, characters as unsigned bytes (ASCII order).
+void rank(const KeyTable<double>& table, int64_t n, Order order, std::span<int64_t> positions, int64_t base);
+void rank(const KeyTable<int64_t>& table, int64_t n, Order order, std::span<int64_t> positions, int64_t base);
+void rank(const KeyTable<unsigned char>& table, int64_t n, Order order, std::span<int64_t> positions,
+          int64_t base);
+
+// Ranks of the values of a vector.
+template <class T>
+void rank(std::span<const T> v, Order order, std::span<int64_t> positions, int64_t base) {
+  rank(KeyTable<T>{v.data()}, static_cast<int64_t>(v.size()), order, positions, base);
+}
 
 // Why a vector is not a permutation of base..base+n-1: the first entry (index from 0) that is out of range or
 // repeats an earlier one.
@@ -64,6 +86,13 @@ void apply_permutation(std::span<const int64_t> perm, int64_t base, SwapItems sw
 template <class T>
 void rearrange(std::span<T> v, std::span<const int64_t> perm, int64_t base) {
   apply_permutation(perm, base, [v](int64_t i, int64_t j) { std::swap(v[static_cast<size_t>(i)], v[static_cast<size_t>(j)]); });
+}
+
+// The same for fixed-length records of `length` bytes starting at first.
+inline void rearrange_records(char* first, int64_t length, std::span<const int64_t> perm, int64_t base) {
+  apply_permutation(perm, base, [first, length](int64_t i, int64_t j) {
+    std::swap_ranges(first + i * length, first + (i + 1) * length, first + j * length);
+  });
 }
 
 // Replaces a valid permutation by its inverse.

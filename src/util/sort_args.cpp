@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "frame/text.h"
+#include "util/rank.h"
 
 namespace vek::util {
 
@@ -12,6 +13,24 @@ bool valid_range(frame::ErrorBuffer& err, int64_t m1, int64_t m2, int64_t msgno)
   else if (m1 < 1) err.fail(1, msgno - 1, m1);
   else if (m1 > m2) err.fail(1, msgno - 2, m1, m2);
   else return true;
+  return false;
+}
+
+bool valid_key(frame::ErrorBuffer& err, int64_t l1, int64_t l2, int64_t length, int64_t msgno) {
+  if (l1 < 1) err.fail(1, msgno, l1);
+  else if (l1 > l2) err.fail(1, msgno - 1, l1, l2);
+  else if (l2 > length) err.fail(1, msgno - 2, l2, length);
+  else return true;
+  return false;
+}
+
+bool valid_permutation(frame::ErrorBuffer& err, std::span<const int64_t> perm, int64_t m1) {
+  const PermutationFault fault = check_permutation(perm, m1);
+  switch (fault.kind) {
+    case PermutationFault::Kind::none: return true;
+    case PermutationFault::Kind::out_of_range: err.fail(2, 99996, m1 + fault.index, fault.value); break;
+    case PermutationFault::Kind::repeated: err.fail(3, 99995, fault.value); break;
+  }
   return false;
 }
 

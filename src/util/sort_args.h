@@ -14,10 +14,18 @@ namespace vek::util {
 // column range N1..N2 of the matrix routines, with their own message numbers.
 bool valid_range(frame::ErrorBuffer& err, int64_t m1, int64_t m2, int64_t msgno = 99999);
 
+// The key substring L1:L2 of strings of length `length`: L1 >= 1 (msgno), L1 <= L2 (msgno - 1), L2 <= length
+// (msgno - 2), all IFAIL 1.
+bool valid_key(frame::ErrorBuffer& err, int64_t l1, int64_t l2, int64_t length, int64_t msgno = 99996);
+
 // The order letter: 'A' or 'D' in either case; anything else fails with (ifail, msgno) and the first
 // character shown.
 std::optional<Order> order_argument(frame::ErrorBuffer& err, const char* order, int64_t order_len,
                                     int64_t ifail = 2, int64_t msgno = 99996);
+
+// PERM(M1:M2) a permutation of M1..M2: the first entry out of range fails with IFAIL 2 (99996, values I and
+// PERM(I)), the first repeated value with IFAIL 3 (99995, the value).
+bool valid_permutation(frame::ErrorBuffer& err, std::span<const int64_t> perm, int64_t m1);
 
 // The caller's elements M1..M2 (one-based) of a vector.
 template <class T>
