@@ -4,5 +4,6 @@
 
 int main(void) {
   tour_units();
+  tour_sorting();
   return 0;
 }
