@@ -4,18 +4,24 @@
 #include <omp.h>
 
 #include <string>
+#include <vector>
 
 #include "frame/threads.h"
+#include "support/capture.h"
 #include "vek.h"
 
 namespace {
 
-// Calls x06aaf with IFAIL = -1 (soft, printed) and returns the printed report with IFAIL on exit.
-std::string set_threads_reporting(int64_t num, int64_t& ifail) {
+// Calls x06aaf with IFAIL = -1 (soft, printed) and returns the printed lines, with IFAIL on exit.
+std::vector<std::string> set_threads_reporting(int64_t num, int64_t& ifail) {
   ifail = -1;
-  testing::internal::CaptureStdout();
-  x06aaf_(&num, &ifail);
-  return testing::internal::GetCapturedStdout();
+  return vek::testing::console_lines([&] { x06aaf_(&num, &ifail); });
+}
+
+std::vector<std::string> report_for(const std::string& num) {
+  return {" ** On entry, NUM = " + num + ".", " ** Constraint: NUM >= 1.",
+          " ** ABNORMAL EXIT from VEK Library routine X06AAF: IFAIL =     1",
+          " ** VEK soft failure - control returned"};
 }
 
 TEST(ThreadControl, SetThreadCountAndRejectNonPositive) {
@@ -26,23 +32,17 @@ TEST(ThreadControl, SetThreadCountAndRejectNonPositive) {
   EXPECT_EQ(ifail, 0);
   EXPECT_EQ(x06acf_(), 3);
 
-  EXPECT_EQ(set_threads_reporting(0, ifail),
-            " ** On entry, NUM = 0.\n"
-            " ** Constraint: NUM >= 1.\n"
-            " ** ABNORMAL EXIT from VEK Library routine X06AAF: IFAIL =     1\n"
-            " ** VEK soft failure - control returned\n");
+  EXPECT_EQ(set_threads_reporting(0, ifail), report_for("0"));
   EXPECT_EQ(ifail, 1);
   EXPECT_EQ(x06acf_(), 3);
-  EXPECT_EQ(set_threads_reporting(-5, ifail).substr(0, 24), " ** On entry, NUM = -5.\n");
+  EXPECT_EQ(set_threads_reporting(-5, ifail), report_for("-5"));
   EXPECT_EQ(ifail, 1);
   EXPECT_EQ(x06acf_(), 3);
 
   // IFAIL = 1 on entry: silent, soft.
   int64_t minus = -5;
   ifail = 1;
-  testing::internal::CaptureStdout();
-  x06aaf_(&minus, &ifail);
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+  EXPECT_TRUE(vek::testing::console_lines([&] { x06aaf_(&minus, &ifail); }).empty());
   EXPECT_EQ(ifail, 1);
 
   int64_t restore = before;
