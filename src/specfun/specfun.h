@@ -1,0 +1,67 @@
+// Special-function kernels: pure functions of their arguments (no state, no allocation, thread-safe), called
+// by the s-chapter workers and directly by other chapters (the distribution functions of statistics).
+//
+// Arguments outside a function's domain give NaN; each function's comment says what NaN and infinite
+// arguments give. Accuracies measured against high-precision tables are listed in docs/specfun.md.
+#pragma once
+
+namespace vek::specfun {
+
+// Error functions, Cody's rational approximations (erf_cody.h).
+double erfc(double x);   // erfc(+inf) = 0, erfc(-inf) = 2, NaN -> NaN
+double erf(double x);    // erf(+-inf) = +-1, NaN -> NaN; erf(-x) = -erf(x) exactly
+double erfcx(double x);  // exp(x^2) erfc(x); +inf -> 0, overflows to +inf for x < -26.62, NaN -> NaN
+double dawson(double x); // Dawson's integral exp(-x^2) int_0^x exp(t^2) dt; +-inf -> +-0, NaN -> NaN
+double erf_inv(double y);   // inverse of erf on [-1, 1]: +-1 -> +-inf, |y| > 1 or NaN -> NaN
+double erfc_inv(double q);  // inverse of erfc on [0, 2]: 0 -> +inf, 2 -> -inf, outside or NaN -> NaN
+
+// Gamma function with the failure classes of s14aaf, checked in this order: overflow (x > 170), underflow
+// (x < -170), too close to zero (|x| < 2.23e-308), pole (negative integer). value is 0 on failure.
+enum class GammaStatus { ok, overflow, underflow, near_zero, pole };
+struct GammaResult {
+  double value;
+  GammaStatus status;
+};
+GammaResult gamma_checked(double x);  // NaN -> {NaN, ok}
+double gamma(double x);               // the same value, +-inf or NaN in place of the failures
+
+// ln|Gamma(x)|; sign (if not null) receives the sign of Gamma(x) (+1 or -1). Poles (x = 0, -1, -2, ...)
+// give +inf; +inf -> +inf, -inf -> NaN, NaN -> NaN.
+double lgamma(double x, int* sign = nullptr);
+// ln Gamma(1 + a) for a > -1, accurate for small |a|; and Gamma(1 + a) - 1.
+double lgamma1p(double a);
+double gamma1pm1(double a);
+// ln Gamma(x) - [(x - 1/2) ln x - x + ln(2 pi)/2], the Stirling remainder, for x >= 10.
+double stirling_remainder(double x);
+// ln B(a, b) and B(a, b) for a, b > 0 (NaN otherwise).
+double lbeta(double a, double b);
+double beta(double a, double b);
+
+// Digamma psi(x) = Gamma'(x)/Gamma(x); poles give NaN; +inf -> +inf, -inf and NaN -> NaN.
+double digamma(double x);
+// Polygamma psi^(n)(x) for n >= 0 (n = 0 is digamma); poles, n < 0 and, for n >= 1, x < kPolygammaMinArg
+// give NaN (the cost grows with -x there); +inf -> 0 for n >= 1.
+inline constexpr double kPolygammaMinArg = -1.0e5;
+double polygamma(int n, double x);
+
+// Regularised incomplete gamma functions P(a, x) and Q(a, x) = 1 - P(a, x), each computed to full relative
+// accuracy (neither is formed as 1 minus the other where that would cancel). a > 0, x >= 0.
+struct GammaPQ {
+  double p;
+  double q;
+  bool converged;
+};
+GammaPQ gamma_pq(double a, double x);  // a <= 0, x < 0 or NaN -> {NaN, NaN, true}
+double gamma_p(double a, double x);
+double gamma_q(double a, double x);
+
+// Regularised incomplete beta I_x(a, b) and its complement 1 - I_x(a, b), a, b > 0, 0 <= x <= 1.
+struct BetaInc {
+  double w;
+  double w1;
+  bool converged;
+};
+BetaInc beta_inc_pair(double a, double b, double x);  // outside the domain or NaN -> {NaN, NaN, true}
+double beta_inc(double a, double b, double x);
+
+}  // namespace vek::specfun

@@ -1,0 +1,139 @@
+// Accuracy of every function against the committed mpmath tables: the largest error in each region must stay
+// within the bound recorded in data/accuracy.txt. Each region's largest and 99th-percentile errors are
+// printed, and for erf, erfc, Gamma and ln Gamma the same figures of the C library on the same points.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "reference_table.h"
+#include "specfun/specfun.h"
+#include "vek.h"
+
+namespace {
+
+using Args = std::vector<double>;
+using Eval = std::function<double(const Args&)>;
+
+struct Output {
+  std::string name;  // the function's name in accuracy.txt
+  Eval vek;
+  Eval libc;         // empty when the C library has no such function
+};
+
+struct Case {
+  std::string table;
+  size_t nargs;
+  std::vector<Output> outputs;  // one per reference column
+};
+
+template <double (*F)(const double*, int64_t*)>
+double entry(const Args& a) {
+  int64_t ifail = 1;
+  return F(&a[0], &ifail);
+}
+
+double incomplete_gamma(const Args& a, bool upper) {
+  double p = 0, q = 0;
+  int64_t ifail = 1;
+  s14baf_(&a[0], &a[1], &p, &q, &ifail);
+  return upper ? q : p;
+}
+
+double incomplete_beta(const Args& a, bool complement) {
+  double w = 0, w1 = 0;
+  int64_t ifail = 1;
+  s14ccf_(&a[0], &a[1], &a[2], &w, &w1, &ifail);
+  return complement ? w1 : w;
+}
+
+double polygamma(const Args& a) {
+  const int64_t n = static_cast<int64_t>(a[0]);
+  int64_t ifail = 1;
+  return s14aef_(&a[1], &n, &ifail);
+}
+
+const std::vector<Case>& cases() {
+  static const std::vector<Case> all = {
+      {"erfc", 1, {{"erfc", entry<s15adf_>, [](const Args& a) { return std::erfc(a[0]); }}}},
+      {"erf", 1, {{"erf", entry<s15aef_>, [](const Args& a) { return std::erf(a[0]); }}}},
+      {"erfcx", 1, {{"erfcx", entry<s15agf_>, {}}}},
+      {"dawson", 1, {{"dawson", entry<s15aff_>, {}}}},
+      {"erf_inv", 1, {{"erf_inv", entry<s15ahf_>, {}}}},
+      {"erfc_inv", 1, {{"erfc_inv", entry<s15ajf_>, {}}}},
+      {"gamma", 1, {{"gamma", entry<s14aaf_>, [](const Args& a) { return std::tgamma(a[0]); }}}},
+      {"lgamma", 1, {{"lgamma", entry<s14abf_>, [](const Args& a) { return std::lgamma(a[0]); }}}},
+      {"digamma", 1, {{"digamma", entry<s14acf_>, {}}}},
+      {"polygamma", 2, {{"polygamma", polygamma, {}}}},
+      {"gamma_pq", 2,
+       {{"gamma_p", [](const Args& a) { return incomplete_gamma(a, false); }, {}},
+        {"gamma_q", [](const Args& a) { return incomplete_gamma(a, true); }, {}}}},
+      {"beta_inc", 3,
+       {{"beta_inc", [](const Args& a) { return incomplete_beta(a, false); }, {}},
+        {"beta_inc_c", [](const Args& a) { return incomplete_beta(a, true); }, {}}}},
+  };
+  return all;
+}
+
+struct Stats {
+  double max = 0;
+  double p99 = 0;
+  Args worst;
+};
+
+Stats summarise(std::vector<std::pair<double, Args>> errors) {
+  Stats s;
+  if (errors.empty()) return s;
+  std::sort(errors.begin(), errors.end(), [](const auto& l, const auto& r) { return l.first < r.first; });
+  s.max = errors.back().first;
+  s.worst = errors.back().second;
+  s.p99 = errors[std::min(errors.size() - 1, static_cast<size_t>(0.99 * static_cast<double>(errors.size())))].first;
+  return s;
+}
+
+std::string text(const Args& a) {
+  std::string s;
+  for (double v : a) s += (s.empty() ? "" : ", ") + std::to_string(v);
+  return s;
+}
+
+class Accuracy : public ::testing::TestWithParam<Case> {};
+
+TEST_P(Accuracy, WithinRecordedBoundInEveryRegion) {
+  const Case& c = GetParam();
+  const std::vector<vek::testing::TableRow> rows = vek::testing::read_table(c.table, c.nargs);
+  ASSERT_GT(rows.size(), 100u) << "table " << c.table << " missing or short";
+  const std::map<std::string, double> bounds = vek::testing::read_accuracy();
+  for (size_t k = 0; k < c.outputs.size(); ++k) {
+    const Output& out = c.outputs[k];
+    std::map<std::string, std::vector<std::pair<double, Args>>> vek_errors, libc_errors;
+    for (const auto& row : rows) {
+      ASSERT_EQ(row.refs.size(), c.outputs.size());
+      vek_errors[row.region].push_back({vek::testing::ulp_error(out.vek(row.args), row.refs[k]), row.args});
+      if (out.libc) libc_errors[row.region].push_back({vek::testing::ulp_error(out.libc(row.args), row.refs[k]), row.args});
+    }
+    for (const auto& [region, errors] : vek_errors) {
+      const auto bound = bounds.find(out.name + " " + region);
+      ASSERT_NE(bound, bounds.end()) << "no accepted error for " << out.name << " " << region;
+      const Stats s = summarise(errors);
+      std::printf("%-10s %-11s n=%4zu  max %9.3g ulp  p99 %9.3g ulp  (bound %g)", out.name.c_str(), region.c_str(),
+                  errors.size(), s.max, s.p99, bound->second);
+      if (out.libc) {
+        const Stats l = summarise(libc_errors[region]);
+        std::printf("   C library: max %9.3g  p99 %9.3g", l.max, l.p99);
+      }
+      std::printf("\n");
+      EXPECT_LE(s.max, bound->second) << out.name << " " << region << " worst at (" << text(s.worst) << ")";
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Tables, Accuracy, ::testing::ValuesIn(cases()),
+                         [](const auto& info) { return info.param.table; });
+
+}  // namespace
