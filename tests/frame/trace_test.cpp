@@ -120,6 +120,14 @@ TEST(Trace, LevelThreeCountsNaNsOnly) {
   const Lines lines = console_lines([&] { x04aaf_(&get, &unit); });
   const Lines tail = {trace_line("NaNs so far", int20(3)), kSeparator};
   EXPECT_EQ(lines, concat({header("X04AAFT", true), tail, header("X04AAFT", false), tail}));
+  // The wrappers count every NaN real that passes: a02acf with XR a NaN sees it on entry and on exit, and
+  // its two NaN results on exit.
+  y90gdzn_(&reset, &count);
+  double zr = 0, zi = 0;
+  const double two = 2.0;
+  console_lines([&] { a02acf_(&nan, &one, &two, &one, &zr, &zi); });
+  y90gdzn_(&read, &count);
+  EXPECT_EQ(count, 4);
   y90gdzn_(&reset, &count);
   y90gdzn_(&read, &count);
   EXPECT_EQ(count, 0);
