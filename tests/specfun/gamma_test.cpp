@@ -1,0 +1,172 @@
+// The gamma-family routines through their exported entries: the failure classes of s14aaf in their order of
+// testing, every message of the chapter compared line by line, special values and identities that tie the
+// functions together, and non-finite input.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "report.h"
+#include "specfun/specfun.h"
+#include "vek.h"
+
+namespace {
+
+using vek::testing::expect_report;
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInf = std::numeric_limits<double>::infinity();
+
+struct Call {
+  double value;
+  int64_t ifail;
+};
+
+Call gamma_entry(double x) {
+  int64_t ifail = 1;
+  const double v = s14aaf_(&x, &ifail);
+  return {v, ifail};
+}
+
+TEST(Gamma, FailureClassesInTheirOrder) {
+  EXPECT_EQ(gamma_entry(170.5).ifail, 1);
+  EXPECT_EQ(gamma_entry(kInf).ifail, 1);
+  EXPECT_EQ(gamma_entry(-170.5).ifail, 2);
+  EXPECT_EQ(gamma_entry(-171.0).ifail, 2);  // a negative integer, but the range test comes first
+  EXPECT_EQ(gamma_entry(-kInf).ifail, 2);
+  EXPECT_EQ(gamma_entry(1e-309).ifail, 3);
+  EXPECT_EQ(gamma_entry(-1e-309).ifail, 3);
+  EXPECT_EQ(gamma_entry(0.0).ifail, 3);
+  EXPECT_EQ(gamma_entry(-3.0).ifail, 4);
+  EXPECT_EQ(gamma_entry(-170.0).ifail, 4);
+  for (double x : {170.5, -170.5, 1e-309, -3.0}) EXPECT_EQ(gamma_entry(x).value, 0.0) << x;
+}
+
+TEST(Gamma, ValuesAtTheEdgesOfTheRange) {
+  const Call tiny = gamma_entry(1e-20);
+  EXPECT_EQ(tiny.ifail, 0);
+  EXPECT_EQ(tiny.value, 1.0 / 1e-20);
+  EXPECT_EQ(gamma_entry(-1e-20).value, -1.0 / 1e-20);
+  EXPECT_EQ(gamma_entry(2.23e-308).value, 1.0 / 2.23e-308);
+  const Call top = gamma_entry(170.0);
+  EXPECT_EQ(top.ifail, 0);
+  EXPECT_NEAR(top.value / 4.2690680090047052749392518888995665e304, 1.0, 2e-14);  // 169!
+  const Call bottom = gamma_entry(-169.5);
+  EXPECT_EQ(bottom.ifail, 0);
+  EXPECT_NEAR(bottom.value / 5.64822088422332547175131268098e-306, 1.0, 2e-14);
+  const Call nan = gamma_entry(kNaN);
+  EXPECT_TRUE(std::isnan(nan.value));
+  EXPECT_EQ(nan.ifail, 0);
+}
+
+TEST(Gamma, FactorialsAndTheRecurrence) {
+  double factorial = 1.0;
+  for (int n = 1; n <= 20; ++n) {
+    EXPECT_NEAR(gamma_entry(n).value / factorial, 1.0, 4e-16 * n) << n;
+    factorial *= n;
+  }
+  std::mt19937_64 gen(3);
+  std::uniform_real_distribution<double> u(-20.0, 20.0);
+  for (int i = 0; i < 300; ++i) {
+    const double x = u(gen);
+    if (x == std::floor(x) || std::fabs(x) < 1e-3 || std::fabs(x + 1.0 - std::nearbyint(x + 1.0)) < 1e-3) continue;
+    EXPECT_NEAR(gamma_entry(x + 1.0).value / (x * gamma_entry(x).value), 1.0, 2e-14) << x;
+  }
+}
+
+TEST(Gamma, EveryMessage) {
+  const auto gamma_at = [](double x) { return [x](int64_t* f) { s14aaf_(&x, f); }; };
+  expect_report(gamma_at(170.5), 1, {" ** On entry, X = 170.5.", " ** Constraint: X <= 170.0."}, "S14AAF");
+  expect_report(gamma_at(-170.5), 2, {" ** On entry, X = -170.5.", " ** Constraint: X >= -170.0."}, "S14AAF");
+  expect_report(gamma_at(1e-309), 3, {" ** On entry, X = 1e-309.", " ** Constraint: abs(X) >= 2.23e-308."}, "S14AAF");
+  expect_report(gamma_at(-3.0), 4,
+                {" ** On entry, X = -3.", " ** Constraint: X must not be a negative integer."}, "S14AAF");
+}
+
+TEST(GammaFamily, EveryMessage) {
+  const std::string pole = " ** Constraint: X must not be zero or a negative integer.";
+  double x = -2.0, big = 3e305, a = 0.0, b = -1.0, z = 1.5, neg = -0.5, far = -200000.5;
+  int64_t n = 51, one = 1;
+  double p, q, w, w1;
+  expect_report([&](int64_t* f) { s14abf_(&x, f); }, 1, {" ** On entry, X = -2.", pole}, "S14ABF");
+  expect_report([&](int64_t* f) { s14abf_(&big, f); }, 2,
+                {" ** On entry, X = 3e+305.", " ** Constraint: X <= 2.55e+305 (the result would overflow)."}, "S14ABF");
+  expect_report([&](int64_t* f) { s14acf_(&x, f); }, 1, {" ** On entry, X = -2.", pole}, "S14ACF");
+  expect_report([&](int64_t* f) { s14aef_(&z, &n, f); }, 1, {" ** On entry, N = 51.", " ** Constraint: 0 <= N <= 50."},
+                "S14AEF");
+  expect_report([&](int64_t* f) { s14aef_(&x, &one, f); }, 2, {" ** On entry, X = -2.", pole}, "S14AEF");
+  expect_report([&](int64_t* f) { s14aef_(&far, &one, f); }, 3,
+                {" ** On entry, X = -200000.5.", " ** Constraint: X >= -1.0e+5 when N >= 1."}, "S14AEF");
+  expect_report([&](int64_t* f) { s14baf_(&a, &z, &p, &q, f); }, 1, {" ** On entry, A = 0.", " ** Constraint: A > 0.0."},
+                "S14BAF");
+  expect_report([&](int64_t* f) { s14baf_(&z, &neg, &p, &q, f); }, 2,
+                {" ** On entry, X = -0.5.", " ** Constraint: X >= 0.0."}, "S14BAF");
+  expect_report([&](int64_t* f) { s14ccf_(&a, &z, &z, &w, &w1, f); }, 1,
+                {" ** On entry, A = 0.", " ** Constraint: A > 0.0."}, "S14CCF");
+  expect_report([&](int64_t* f) { s14ccf_(&z, &b, &z, &w, &w1, f); }, 2,
+                {" ** On entry, B = -1.", " ** Constraint: B > 0.0."}, "S14CCF");
+  expect_report([&](int64_t* f) { s14ccf_(&z, &z, &z, &w, &w1, f); }, 3,
+                {" ** On entry, X = 1.5.", " ** Constraint: 0.0 <= X <= 1.0."}, "S14CCF");
+}
+
+TEST(GammaFamily, NonConvergenceOfTheIncompleteGammaIsReported) {
+  double a = 1e13, x = 1e13, p = 0, q = 0;
+  expect_report([&](int64_t* f) { s14baf_(&a, &x, &p, &q, f); }, 3,
+                {" ** The iteration did not converge: A = 1e+13, X = 1e+13."}, "S14BAF");
+}
+
+TEST(GammaFamily, NonFiniteAndDomainEdges) {
+  namespace sf = vek::specfun;
+  int sign = 0;
+  EXPECT_EQ(sf::lgamma(kInf), kInf);
+  EXPECT_TRUE(std::isnan(sf::lgamma(-kInf)));
+  EXPECT_TRUE(std::isnan(sf::lgamma(kNaN)));
+  EXPECT_EQ(sf::lgamma(-4.0), kInf);
+  EXPECT_NEAR(sf::lgamma(-0.5, &sign), std::log(2.0 * std::sqrt(M_PI)), 1e-15);
+  EXPECT_EQ(sign, -1);
+  sf::lgamma(-1.5, &sign);
+  EXPECT_EQ(sign, 1);
+  EXPECT_EQ(sf::digamma(kInf), kInf);
+  EXPECT_TRUE(std::isnan(sf::digamma(-kInf)));
+  EXPECT_TRUE(std::isnan(sf::digamma(0.0)));
+  EXPECT_TRUE(std::isnan(sf::digamma(-7.0)));
+  EXPECT_EQ(sf::polygamma(3, kInf), 0.0);
+  EXPECT_TRUE(std::isnan(sf::polygamma(-1, 1.0)));
+  const sf::GammaPQ none = sf::gamma_pq(kNaN, 1.0);
+  EXPECT_TRUE(std::isnan(none.p) && std::isnan(none.q));
+  const sf::GammaPQ at_zero = sf::gamma_pq(2.0, 0.0);
+  EXPECT_EQ(at_zero.p, 0.0);
+  EXPECT_EQ(at_zero.q, 1.0);
+  const sf::GammaPQ at_inf = sf::gamma_pq(2.0, kInf);
+  EXPECT_EQ(at_inf.p, 1.0);
+  EXPECT_EQ(at_inf.q, 0.0);
+  EXPECT_TRUE(std::isnan(sf::beta_inc(1.0, 1.0, kNaN)));
+  EXPECT_EQ(sf::beta_inc(2.0, 3.0, 0.0), 0.0);
+  EXPECT_EQ(sf::beta_inc(2.0, 3.0, 1.0), 1.0);
+}
+
+TEST(GammaFamily, IdentitiesBetweenFunctions) {
+  namespace sf = vek::specfun;
+  std::mt19937_64 gen(5);
+  std::uniform_real_distribution<double> u(0.0, 1.0);
+  for (int i = 0; i < 300; ++i) {
+    const double a = std::exp(8.0 * u(gen) - 4.0), x = std::exp(10.0 * u(gen) - 5.0), t = u(gen);
+    const sf::GammaPQ r = sf::gamma_pq(a, x);
+    EXPECT_NEAR(r.p + r.q, 1.0, 4e-15) << a << " " << x;
+    EXPECT_NEAR(sf::gamma_q(1.0, x) / std::exp(-x), 1.0, 4e-15) << x;
+    EXPECT_NEAR(sf::gamma_p(0.5, x), sf::erf(std::sqrt(x)), 4e-15) << x;
+    EXPECT_NEAR(sf::beta_inc(a, 1.0, t) / std::pow(t, a), 1.0, 1e-13) << a << " " << t;
+    const sf::BetaInc bi = sf::beta_inc_pair(a, x, t);
+    EXPECT_NEAR(bi.w + bi.w1, 1.0, 4e-15);
+    EXPECT_NEAR(sf::beta_inc(x, a, 1.0 - t), bi.w1, 1e-14 + 1e-12 * bi.w1);
+    const double px = 0.1 + 10.0 * t;
+    EXPECT_NEAR(sf::polygamma(2, px + 1.0) - sf::polygamma(2, px), 2.0 / (px * px * px), 1e-13 * (1.0 + 2.0 / (px * px * px)));
+    EXPECT_NEAR(sf::digamma(px + 1.0) - sf::digamma(px), 1.0 / px, 1e-14 * (1.0 + 1.0 / px));
+    EXPECT_NEAR(sf::lbeta(a, x), sf::lgamma(a) + sf::lgamma(x) - sf::lgamma(a + x), 1e-12 * (1.0 + std::fabs(sf::lbeta(a, x))));
+  }
+}
+
+}  // namespace
