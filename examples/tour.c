@@ -5,5 +5,6 @@
 int main(void) {
   tour_units();
   tour_sorting();
+  tour_specfun();
   return 0;
 }

@@ -8,5 +8,6 @@ static inline void tour_section(const char* title) { printf("\n== %s\n", title);
 
 void tour_units(void);
 void tour_sorting(void);
+void tour_specfun(void);
 
 #endif
