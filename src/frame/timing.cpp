@@ -1,0 +1,63 @@
+#include "frame/timing.h"
+
+#include <chrono>
+#include <ctime>
+
+#include "frame/text.h"
+
+namespace vek::timing {
+namespace {
+
+constexpr const char* kDays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                   "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+
+bool in(int64_t v, int64_t lo, int64_t hi) { return v >= lo && v <= hi; }
+
+// A field of `width` digits with leading zeros, or asterisks when it does not fit or is out of range.
+std::string digits(int64_t v, int width, int64_t lo, int64_t hi) {
+  std::string s = text::fixed_int(v, width);
+  if (!in(v, lo, hi)) return std::string(static_cast<size_t>(width), '*');
+  for (char& c : s)
+    if (c == ' ') c = '0';
+  return s;
+}
+
+}  // namespace
+
+DateTime now() {
+  const auto t = std::chrono::system_clock::now();
+  const std::time_t secs = std::chrono::system_clock::to_time_t(t);
+  const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(t.time_since_epoch()).count() % 1000;
+  std::tm local{};
+  localtime_r(&secs, &local);
+  return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec, ms};
+}
+
+std::string format(const DateTime& t) {
+  const bool valid_date = in(t[0], 1, 9999) && in(t[1], 1, 12) && in(t[2], 1, 31);
+  std::string day = "???";
+  if (valid_date) {
+    const std::chrono::year_month_day ymd{std::chrono::year(static_cast<int>(t[0])),
+                                          std::chrono::month(static_cast<unsigned>(t[1])),
+                                          std::chrono::day(static_cast<unsigned>(t[2]))};
+    if (ymd.ok()) day = kDays[std::chrono::weekday(std::chrono::sys_days(ymd)).c_encoding()];
+  }
+  const std::string month = in(t[1], 1, 12) ? kMonths[t[1] - 1] : "???";
+  return day + " " + digits(t[2], 2, 1, 31) + " " + month + " " + digits(t[0], 4, 0, 9999) + " " +
+         digits(t[3], 2, 0, 23) + ":" + digits(t[4], 2, 0, 59) + ":" + digits(t[5], 2, 0, 60) + "." +
+         digits(t[6], 3, 0, 999);
+}
+
+double cpu_seconds() {
+  timespec ts{};
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &ts);
+  return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) * 1e-9;
+}
+
+double wall_seconds() {
+  const auto t = std::chrono::steady_clock::now().time_since_epoch();
+  return std::chrono::duration<double>(t).count();
+}
+
+}  // namespace vek::timing
