@@ -5,12 +5,13 @@
 // F(x) = 1/(2x) sum_k (2k-1)!! / (2x^2)^k, whose smallest term is below 1e-21 there.
 #include <cmath>
 
+#include "frame/constants.h"
 #include "specfun/specfun.h"
 
 namespace vek::specfun {
 namespace {
 
-constexpr double kEps = 0x1p-53;
+constexpr double kEps = vek::constants::eps();
 
 double dawson_series(double x) {
   const double s = x * x;

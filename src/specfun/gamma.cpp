@@ -10,15 +10,16 @@
 #include <iterator>
 #include <limits>
 
+#include "frame/constants.h"
 #include "specfun/specfun.h"
 
 namespace vek::specfun {
 namespace {
 
-// The decimal digits a double holds exactly, floor(52 log10 2); the polynomial below is the one for 13 to 15
-// digits. Other precisions would need their own sets, which this build does not carry.
-constexpr int kDecimalDigits = 15;
-static_assert(kDecimalDigits >= 13 && kDecimalDigits < 16, "no Gamma(1+g) coefficient set for this precision");
+// The coefficient set is chosen by the decimal digits the arithmetic holds: the polynomial below is the one
+// for 13 to 15 digits (IEEE double). Other precisions would need their own sets, which this build does not carry.
+static_assert(vek::constants::decimal_digits() >= 13 && vek::constants::decimal_digits() < 16,
+              "no Gamma(1+g) coefficient set for this precision");
 
 constexpr double kMaxArg = 170.0;
 constexpr double kTiny = 1.0e-17;

@@ -12,12 +12,13 @@
 #include <numbers>
 
 #include "specfun/log1pmx.h"
+#include "frame/constants.h"
 #include "specfun/specfun.h"
 
 namespace vek::specfun {
 namespace {
 
-constexpr double kEps = 0x1p-53;
+constexpr double kEps = vek::constants::eps();
 constexpr double kTinyDenominator = 1e-300;
 
 // -a D(u), D(u) = u - ln(1 + u), where 1 + u = ratio and a u = a_u: the series where it has no cancellation,

@@ -15,12 +15,13 @@
 #include <numbers>
 
 #include "specfun/log1pmx.h"
+#include "frame/constants.h"
 #include "specfun/specfun.h"
 
 namespace vek::specfun {
 namespace {
 
-constexpr double kEps = 0x1p-53;
+constexpr double kEps = vek::constants::eps();
 constexpr double kTinyDenominator = 1e-300;
 
 int iteration_limit(double a) { return static_cast<int>(std::min(1.0e7, 200.0 + 30.0 * std::sqrt(a))); }
