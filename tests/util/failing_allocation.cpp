@@ -1,8 +1,8 @@
-// Replaces the program's non-throwing array new: it returns null while an AllocationFailure is alive.
+// Replaces the program's non-throwing array new: it returns null while an AllocationFailure is alive and
+// otherwise hands the request to the ordinary array new, so that the ordinary array delete matches it.
 #include "failing_allocation.h"
 
 #include <atomic>
-#include <cstdlib>
 #include <new>
 
 namespace {
@@ -16,8 +16,9 @@ AllocationFailure::~AllocationFailure() { failing = false; }
 
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
   if (failing) return nullptr;
-  return std::malloc(size == 0 ? 1 : size);
+  try {
+    return ::operator new[](size);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
 }
-
-void operator delete[](void* p) noexcept { std::free(p); }
-void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
