@@ -5,7 +5,7 @@
 // complement. Whichever side is evaluated is the smaller one, so both results keep their relative accuracy.
 // The power term x^a y^b / B(a, b) is, for a, b >= 10, sqrt(ab / 2pi c) exp(-a D(u) - b D(v) + stirling
 // terms) with c = a + b, u = (x c - a)/a, v = -a u / b, D(u) = u - ln(1 + u) (the form in which the large
-// logarithms cancel analytically); otherwise pow / ln B for small parameters, logarithms in between.
+// logarithms cancel analytically); otherwise x^a y^b / B(a, b) by pow, or by logarithms where it would underflow.
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -38,12 +38,14 @@ double power_terms(double a, double b, double x, double y) {
                             stirling_remainder(a) - stirling_remainder(b);
     return std::sqrt(a / (2.0 * std::numbers::pi) * (b / c)) * std::exp(exponent);
   }
-  if (a < 10.0 && b < 10.0) {
-    const double direct = std::pow(x, a) * std::pow(y, b) / beta(a, b);
-    if (direct > 0x1p-1000 && direct < HUGE_VAL) return direct;
-  }
+  // pow on the exact one of x, y (the one not above 1/2) is correctly rounded within an ulp or so, where
+  // exp(a ln x) would turn the rounding of a ln x into |a ln x| ulps.
   const double log_x = x <= 0.5 ? std::log(x) : std::log1p(-y);
   const double log_y = y <= 0.5 ? std::log(y) : std::log1p(-x);
+  const double xa = x <= 0.5 ? std::pow(x, a) : std::exp(a * log_x);
+  const double yb = y <= 0.5 ? std::pow(y, b) : std::exp(b * log_y);
+  const double direct = xa * yb / (a < 10.0 && b < 10.0 ? beta(a, b) : std::exp(lbeta(a, b)));
+  if (direct > 0x1p-1000 && direct < HUGE_VAL) return direct;
   return std::exp(a * log_x + b * log_y - lbeta(a, b));
 }
 

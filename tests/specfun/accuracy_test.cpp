@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <functional>
 #include <map>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,8 @@ struct Case {
   size_t nargs;
   std::vector<Output> outputs;  // one per reference column
 };
+
+void PrintTo(const Case& c, std::ostream* os) { *os << c.table; }
 
 template <double (*F)(const double*, int64_t*)>
 double entry(const Args& a) {
