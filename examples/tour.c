@@ -4,6 +4,7 @@
 
 int main(void) {
   tour_units();
+  tour_machine();
   tour_sorting();
   tour_specfun();
   return 0;

@@ -7,6 +7,7 @@
 static inline void tour_section(const char* title) { printf("\n== %s\n", title); }
 
 void tour_units(void);
+void tour_machine(void);
 void tour_sorting(void);
 void tour_specfun(void);
 
