@@ -113,6 +113,22 @@ TEST(SortVectors, RealsWithNansAndSignedZerosHaveOneArrangement) {
   x06aaf_(&restore, &ifail);
 }
 
+TEST(SortVectors, CalledFromThreadsOfTheCallersParallelRegion) {
+  // Each thread of the caller's region sorts its own vector; the sort's own region then runs with the team
+  // the runtime allows (one thread when nesting is off), with the same result.
+  const std::vector<double> input = awkward_reals(200000);
+  std::vector<double> reference = input;
+  sort_through_entry(m01caf_, reference, 'A');
+  std::vector<std::vector<double>> results(2, input);
+#pragma omp parallel for num_threads(2)
+  for (int t = 0; t < 2; ++t) {
+    const int64_t m1 = 1, m2 = static_cast<int64_t>(input.size());
+    int64_t ifail = 1;
+    m01caf_(results[static_cast<size_t>(t)].data(), &m1, &m2, "A", &ifail, 1);
+  }
+  for (const auto& r : results) EXPECT_TRUE(same_bits(r, reference));
+}
+
 // Comparison counts of the kernel on item numbers, with McIlroy's adaptive adversary ("A killer adversary
 // for quicksort", 1999) available: values are fixed only when compared, always against the sort.
 struct Adversary {
