@@ -11,6 +11,7 @@ namespace vek::specfun {
 double erfc(double x) {
   const double y = std::fabs(x);
   if (y <= cody::kSmall) return 1.0 - x * cody::set_a(x * x);
+  if (std::isnan(x)) return x;
   double v;
   if (y <= cody::kMiddle) {
     v = cody::exp_minus_square(y) * cody::set_c(y);
