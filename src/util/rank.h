@@ -51,9 +51,11 @@ void rank(const KeyTable<unsigned char>& table, int64_t n, Order order, std::spa
           int64_t base);
 
 // Ranks of the values of a vector.
-template <class T>
-void rank(std::span<const T> v, Order order, std::span<int64_t> positions, int64_t base) {
-  rank(KeyTable<T>{v.data()}, static_cast<int64_t>(v.size()), order, positions, base);
+inline void rank(std::span<const double> v, Order order, std::span<int64_t> positions, int64_t base) {
+  rank(KeyTable<double>{v.data()}, static_cast<int64_t>(v.size()), order, positions, base);
+}
+inline void rank(std::span<const int64_t> v, Order order, std::span<int64_t> positions, int64_t base) {
+  rank(KeyTable<int64_t>{v.data()}, static_cast<int64_t>(v.size()), order, positions, base);
 }
 
 // Why a vector is not a permutation of base..base+n-1: the first entry (index from 0) that is out of range or
