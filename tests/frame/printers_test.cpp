@@ -297,58 +297,61 @@ std::vector<std::vector<double>> read_back(const Lines& lines, int64_t m, int64_
   return v;
 }
 
+// Prints g (random elements, 17 significant digits, no labels) and reads every cell back: the element at
+// the array index `locate(i, j)` gives, or a blank cell where it gives -1.
+template <class Locate>
+void check_read_back(const char* name, Args g, int64_t m, int64_t n, const char* form, std::mt19937_64& gen,
+                     Locate locate) {
+  std::normal_distribution<double> dist;
+  for (double& x : g.a) x = dist(gen);
+  g.form = form;
+  g.labrow = g.labcol = "N";
+  g.title = " ";
+  g.ncols = 132;
+  const auto v = read_back(printed(name, g), m, n, 24);
+  for (int64_t i = 0; i < m; ++i)
+    for (int64_t j = 0; j < n; ++j) {
+      const int64_t k = locate(i, j);
+      if (k < 0) EXPECT_TRUE(std::isnan(v[i][j])) << name << g.sorder << i << j;
+      else EXPECT_EQ(v[i][j], g.a[k]) << name << g.sorder << g.matrix << i << j;
+    }
+}
+
 TEST(Printers, EveryStorageSchemeReadsBackExactly) {
   std::mt19937_64 gen(7);
-  std::normal_distribution<double> dist;
-  const int64_t m = 5, n = 5;
-  for (int64_t sorder : {1, 2}) {
+  const int64_t n = 5;
+  for (const int64_t sorder : {1, 2}) {
     for (const char* uplo : {"U", "L"}) {
       Args g;
       g.sorder = sorder;
       g.matrix = uplo;
       g.n = n;
-      g.form = "ES24.16";
-      g.labrow = g.labcol = "N";
-      g.title = " ";
-      g.ncols = 132;
-      for (double& x : g.a) x = dist(gen);
-      const auto v = read_back(printed("X04CDF", g), n, n, 24);
-      for (int64_t i = 0; i < n; ++i)
-        for (int64_t j = 0; j < n; ++j) {
-          const bool stored = uplo[0] == 'U' ? i <= j : i >= j;
-          if (!stored) {
-            EXPECT_TRUE(std::isnan(v[i][j]));
-            continue;
-          }
-          // Column-major upper / row-major lower pack r + c(c+1)/2 with (r, c) the (shorter, longer) index.
-          const bool short_first = (uplo[0] == 'U') == (sorder == 1);
-          const int64_t r = sorder == 1 ? i : j, c = sorder == 1 ? j : i;
-          const int64_t k = short_first ? r + c * (c + 1) / 2 : r + c * (2 * n - c - 1) / 2;
-          EXPECT_EQ(v[i][j], g.a[k]) << sorder << uplo << i << j;
-        }
+      // Column-major upper / row-major lower pack r + c(c+1)/2 with (r, c) the (shorter, longer) index.
+      const bool short_first = (uplo[0] == 'U') == (sorder == 1);
+      check_read_back("X04CDF", g, n, n, "ES24.16", gen, [&](int64_t i, int64_t j) -> int64_t {
+        if (uplo[0] == 'U' ? i > j : i < j) return -1;
+        const int64_t r = sorder == 1 ? i : j, c = sorder == 1 ? j : i;
+        return short_first ? r + c * (c + 1) / 2 : r + c * (2 * n - c - 1) / 2;
+      });
     }
     Args b;
     b.sorder = sorder;
-    b.m = m;
+    b.m = 4;
     b.n = n;
     b.kl = 2;
     b.ku = 1;
     b.lda = 5;
-    b.form = "1PE24.16";
-    b.labrow = b.labcol = "N";
-    b.title = " ";
-    b.ncols = 132;
-    for (double& x : b.a) x = dist(gen);
-    const auto v = read_back(printed("X04CFF", b), m, n, 24);
-    for (int64_t i = 0; i < m; ++i)
-      for (int64_t j = 0; j < n; ++j) {
-        if (i - j > b.kl || j - i > b.ku) {
-          EXPECT_TRUE(std::isnan(v[i][j]));
-          continue;
-        }
-        const int64_t k = sorder == 1 ? b.ku + i - j + j * b.lda : i * b.lda + b.kl + j - i;
-        EXPECT_EQ(v[i][j], b.a[k]) << sorder << i << j;
-      }
+    check_read_back("X04CFF", b, b.m, n, "1PE24.16", gen, [&](int64_t i, int64_t j) -> int64_t {
+      if (i - j > b.kl || j - i > b.ku) return -1;
+      return sorder == 1 ? b.ku + i - j + j * b.lda : i * b.lda + b.kl + j - i;
+    });
+    Args f;
+    f.sorder = sorder;
+    f.m = 3;
+    f.n = 4;
+    f.lda = 6;
+    check_read_back("X04CBF", f, f.m, f.n, "E24.17", gen,
+                    [&](int64_t i, int64_t j) { return sorder == 1 ? i + j * f.lda : i * f.lda + j; });
   }
 }
 
