@@ -11,6 +11,8 @@ namespace {
 // ln Gamma(x) exceeds the largest double above this argument.
 constexpr double kLgammaMaxArg = 2.55e305;
 constexpr int64_t kMaxPolygammaOrder = 50;
+// How far P + Q may be from 1 in the inverse incomplete gamma function.
+constexpr double kPqSumTolerance = 1.0e-14;
 
 bool is_pole(double x) { return x <= 0.0 && x == std::floor(x); }
 
@@ -104,6 +106,31 @@ void s14bafn_(const double* a, const double* x, double* p, double* q, char* errb
   *p = r.p;
   *q = r.q;
   if (!r.converged) err.fail(3, 99997, *a, *x);
+}
+
+// The X with P(A, X) = P and Q(A, X) = Q (incomplete_gamma_inverse.cpp); the smaller of P and Q is matched, so
+// give both to full precision. A <= 0: IFAIL 1; P or Q outside [0, 1]: IFAIL 2 or 3; P + Q further than 1e-14
+// from 1: IFAIL 4 (NaN fails these too); all return 0. Q = 0 gives +infinity.
+double s14bbfn_(const double* a, const double* p, const double* q, char* errbuf, int64_t* ierr, int64_t errbuf_len) {
+  vek::frame::ErrorBuffer err(errbuf, errbuf_len, ierr);
+  if (!err.licensed("S14BBFN")) return 0.0;
+  if (!(*a > 0.0)) {
+    err.fail(1, 99999, *a);
+    return 0.0;
+  }
+  if (!(*p >= 0.0 && *p <= 1.0)) {
+    err.fail(2, 99998, *p);
+    return 0.0;
+  }
+  if (!(*q >= 0.0 && *q <= 1.0)) {
+    err.fail(3, 99997, *q);
+    return 0.0;
+  }
+  if (!(std::fabs(*p + *q - 1.0) <= kPqSumTolerance)) {
+    err.fail(4, 99996, *p, *q);
+    return 0.0;
+  }
+  return vek::specfun::gamma_pq_inv(*a, *p, *q);
 }
 
 // W = I_X(A, B) and W1 = 1 - W (incomplete_beta.cpp). A <= 0: IFAIL 1; B <= 0: IFAIL 2; X outside [0, 1]:

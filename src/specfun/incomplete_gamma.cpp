@@ -116,6 +116,12 @@ GammaPQ gamma_pq(double a, double x) {
 }
 
 double gamma_p(double a, double x) { return gamma_pq(a, x).p; }
+
+double gamma_p_derivative(double a, double x) {
+  if (!(a > 0.0) || !(x > 0.0)) return std::numeric_limits<double>::quiet_NaN();
+  if (std::isinf(x)) return 0.0;
+  return power_prefix(a, x) / x;
+}
 double gamma_q(double a, double x) { return gamma_pq(a, x).q; }
 
 }  // namespace vek::specfun

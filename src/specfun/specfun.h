@@ -54,6 +54,12 @@ struct GammaPQ {
 GammaPQ gamma_pq(double a, double x);  // a <= 0, x < 0 or NaN -> {NaN, NaN, true}
 double gamma_p(double a, double x);
 double gamma_q(double a, double x);
+// dP/dx = x^(a-1) e^-x / Gamma(a), the gamma density, for a > 0, x > 0 (NaN outside).
+double gamma_p_derivative(double a, double x);
+// The x >= 0 with P(a, x) = p and Q(a, x) = q: the smaller of p and q is matched, so a tail probability keeps
+// its relative accuracy. p + q should be 1; q = 0 gives +inf, p = 0 gives 0. a <= 0, p or q outside [0, 1],
+// or NaN give NaN.
+double gamma_pq_inv(double a, double p, double q);
 
 // Regularised incomplete beta I_x(a, b) and its complement 1 - I_x(a, b), a, b > 0, 0 <= x <= 1.
 // The continued fraction converges within its bound of 200 + 30 sqrt(max(a, b)) terms for every a, b tried up

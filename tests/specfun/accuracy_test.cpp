@@ -76,6 +76,10 @@ const std::vector<Case>& cases() {
       {"gamma_pq", 2,
        {{"gamma_p", [](const Args& a) { return incomplete_gamma(a, false); }, {}},
         {"gamma_q", [](const Args& a) { return incomplete_gamma(a, true); }, {}}}},
+      {"gamma_pq_inv", 3, {{"gamma_pq_inv", [](const Args& a) {
+                              int64_t ifail = 1;
+                              return s14bbf_(&a[0], &a[1], &a[2], &ifail);
+                            }, {}}}},
       {"beta_inc", 3,
        {{"beta_inc", [](const Args& a) { return incomplete_beta(a, false); }, {}},
         {"beta_inc_c", [](const Args& a) { return incomplete_beta(a, true); }, {}}}},

@@ -104,6 +104,15 @@ TEST(GammaFamily, EveryMessage) {
                 "S14BAF");
   expect_report([&](int64_t* f) { s14baf_(&z, &neg, &p, &q, f); }, 2,
                 {" ** On entry, X = -0.5.", " ** Constraint: X >= 0.0."}, "S14BAF");
+  double half = 0.5, two = 2.0, third = 0.3;
+  expect_report([&](int64_t* f) { s14bbf_(&a, &half, &half, f); }, 1, {" ** On entry, A = 0.", " ** Constraint: A > 0.0."},
+                "S14BBF");
+  expect_report([&](int64_t* f) { s14bbf_(&z, &two, &half, f); }, 2,
+                {" ** On entry, P = 2.", " ** Constraint: 0.0 <= P <= 1.0."}, "S14BBF");
+  expect_report([&](int64_t* f) { s14bbf_(&z, &half, &neg, f); }, 3,
+                {" ** On entry, Q = -0.5.", " ** Constraint: 0.0 <= Q <= 1.0."}, "S14BBF");
+  expect_report([&](int64_t* f) { s14bbf_(&z, &half, &third, f); }, 4,
+                {" ** On entry, P = 0.5 and Q = 0.3.", " ** Constraint: abs(P + Q - 1.0) <= 1.0e-14."}, "S14BBF");
   expect_report([&](int64_t* f) { s14ccf_(&a, &z, &z, &w, &w1, f); }, 1,
                 {" ** On entry, A = 0.", " ** Constraint: A > 0.0."}, "S14CCF");
   expect_report([&](int64_t* f) { s14ccf_(&z, &b, &z, &w, &w1, f); }, 2,
@@ -143,6 +152,10 @@ TEST(GammaFamily, NonFiniteAndDomainEdges) {
   const sf::GammaPQ at_inf = sf::gamma_pq(2.0, kInf);
   EXPECT_EQ(at_inf.p, 1.0);
   EXPECT_EQ(at_inf.q, 0.0);
+  EXPECT_EQ(sf::gamma_pq_inv(2.0, 0.0, 1.0), 0.0);
+  EXPECT_EQ(sf::gamma_pq_inv(2.0, 1.0, 0.0), kInf);
+  EXPECT_TRUE(std::isnan(sf::gamma_pq_inv(kNaN, 0.5, 0.5)));
+  EXPECT_TRUE(std::isnan(sf::gamma_pq_inv(2.0, kNaN, 0.5)));
   EXPECT_TRUE(std::isnan(sf::beta_inc(1.0, 1.0, kNaN)));
   EXPECT_EQ(sf::beta_inc(2.0, 3.0, 0.0), 0.0);
   EXPECT_EQ(sf::beta_inc(2.0, 3.0, 1.0), 1.0);
@@ -156,6 +169,7 @@ TEST(GammaFamily, IdentitiesBetweenFunctions) {
     const double a = std::exp(8.0 * u(gen) - 4.0), x = std::exp(10.0 * u(gen) - 5.0), t = u(gen);
     const sf::GammaPQ r = sf::gamma_pq(a, x);
     EXPECT_NEAR(r.p + r.q, 1.0, 4e-15) << a << " " << x;
+    if (r.p > 1e-300 && r.q > 1e-300) EXPECT_NEAR(sf::gamma_pq_inv(a, r.p, r.q) / x, 1.0, 1e-12) << a << " " << x;
     EXPECT_NEAR(sf::gamma_q(1.0, x) / std::exp(-x), 1.0, 4e-15) << x;
     EXPECT_NEAR(sf::gamma_p(0.5, x), sf::erf(std::sqrt(x)), 4e-15) << x;
     EXPECT_NEAR(sf::beta_inc(a, 1.0, t) / std::pow(t, a), 1.0, 1e-13) << a << " " << t;

@@ -189,6 +189,39 @@ def incomplete_gamma_tables(rng):
     write("gamma_pq", "P(a, x) and Q(a, x)", rows)
 
 
+def gamma_upper(a, x):
+    p = gamma_p_series(a, x)
+    return 1 - p if p < 1 - mp.mpf(10) ** -5 else mp.gammainc(a, x, mp.inf, regularized=True)
+
+
+def inverse_gamma_tables(rng):
+    """Arguments a, p, q (doubles with p + q = 1 to rounding); reference: the x where the smaller tail equals
+    its given value exactly."""
+    rows = []
+
+    def add(region, a, x):
+        a, x = d(a), d(x)
+        p, q = d(gamma_p_series(a, x)), d(gamma_upper(a, x))
+        if min(p, q) < 2.2250738585072014e-308:  # subnormal targets carry too few digits to invert
+            return
+        if p <= q:
+            root = mp.findroot(lambda t: gamma_p_series(a, t) - p, mp.mpf(x))
+        else:
+            root = mp.findroot(lambda t: gamma_upper(a, t) - q, mp.mpf(x))
+        rows.append((region, (a, p, q), (root,)))
+
+    for _ in range(80):
+        a = 10 ** rng.uniform(-3, 0)
+        add("small_a", a, a * 10 ** rng.uniform(-2, 1.3))
+    for _ in range(80):
+        a = 10 ** rng.uniform(0, 3)
+        add("central", a, a * (1 + rng.uniform(-1, 1) * min(3 / mp.sqrt(a), 0.9)))
+    for _ in range(60):
+        a = 10 ** rng.uniform(0, 3)
+        add("tails", a, a * 10 ** rng.uniform(-1.5, 0.5))
+    write("gamma_pq_inv", "x with P(a, x) = p, Q(a, x) = q", rows)
+
+
 def incomplete_beta_tables(rng):
     rows = []
 
@@ -249,6 +282,7 @@ def main():
     digamma_tables(rng)
     incomplete_gamma_tables(rng)
     incomplete_beta_tables(rng)
+    inverse_gamma_tables(rng)
 
 
 if __name__ == "__main__":
