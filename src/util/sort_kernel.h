@@ -141,7 +141,14 @@ void merge_runs(T* a, T* work, int64_t lo, int64_t mid, int64_t hi, Less less) {
   if (mid < lo || mid >= hi || !less(a[mid + 1], a[mid])) return;
   std::copy(a + lo, a + mid + 1, work + lo);
   int64_t l = lo, r = mid + 1, out = lo;
-  while (l <= mid && r <= hi) a[out++] = less(a[r], work[l]) ? a[r++] : work[l++];
+  // Select rather than branch: on random data the branch would be mispredicted half the time.
+  while (l <= mid && r <= hi) {
+    const T x = work[l], y = a[r];
+    const bool right = less(y, x);
+    a[out++] = right ? y : x;
+    r += right;
+    l += !right;
+  }
   std::copy(work + l, work + mid + 1, a + out);
 }
 
