@@ -79,9 +79,7 @@ void m01dcfn_(const char* ch, const int64_t* m1, const int64_t* m2, const int64_
               int64_t errbuf_len) {
   vek::frame::ErrorBuffer err(errbuf, errbuf_len, ierr);
   if (!err.licensed("M01DCFN")) return;
-  if (!vek::util::valid_range(err, *m1, *m2)) return;
-  if (!vek::util::valid_key(err, *l1, *l2, ch_len)) return;
-  const auto direction = vek::util::order_argument(err, order, order_len, 2, 99993);
+  const auto direction = vek::util::string_key_arguments(err, *m1, *m2, *l1, *l2, ch_len, order, order_len);
   if (!direction) return;
   const auto* first = reinterpret_cast<const unsigned char*>(ch + (*m1 - 1) * ch_len) + (*l1 - 1);
   try {

@@ -24,6 +24,12 @@ bool valid_key(frame::ErrorBuffer& err, int64_t l1, int64_t l2, int64_t length, 
   return false;
 }
 
+std::optional<Order> string_key_arguments(frame::ErrorBuffer& err, int64_t m1, int64_t m2, int64_t l1, int64_t l2,
+                                          int64_t length, const char* order, int64_t order_len) {
+  if (!valid_range(err, m1, m2) || !valid_key(err, l1, l2, length)) return std::nullopt;
+  return order_argument(err, order, order_len, 2, 99993);
+}
+
 bool valid_permutation(frame::ErrorBuffer& err, std::span<const int64_t> perm, int64_t m1) {
   const PermutationFault fault = check_permutation(perm, m1);
   switch (fault.kind) {

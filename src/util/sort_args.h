@@ -23,6 +23,11 @@ bool valid_key(frame::ErrorBuffer& err, int64_t l1, int64_t l2, int64_t length, 
 std::optional<Order> order_argument(frame::ErrorBuffer& err, const char* order, int64_t order_len,
                                     int64_t ifail = 2, int64_t msgno = 99996);
 
+// All the checks of the string sorts and ranks, in order: the range, the key L1:L2 within records of
+// `length` characters, then ORDER (IFAIL 2, 99993). The order, or nothing after a failure.
+std::optional<Order> string_key_arguments(frame::ErrorBuffer& err, int64_t m1, int64_t m2, int64_t l1, int64_t l2,
+                                          int64_t length, const char* order, int64_t order_len);
+
 // PERM(M1:M2) a permutation of M1..M2: the first entry out of range fails with IFAIL 2 (99996, values I and
 // PERM(I)), the first repeated value with IFAIL 3 (99995, the value).
 bool valid_permutation(frame::ErrorBuffer& err, std::span<const int64_t> perm, int64_t m1);

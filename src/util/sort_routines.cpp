@@ -51,9 +51,7 @@ void m01ccfn_(char* ch, const int64_t* m1, const int64_t* m2, const int64_t* l1,
               int64_t errbuf_len) {
   vek::frame::ErrorBuffer err(errbuf, errbuf_len, ierr);
   if (!err.licensed("M01CCFN")) return;
-  if (!vek::util::valid_range(err, *m1, *m2)) return;
-  if (!vek::util::valid_key(err, *l1, *l2, ch_len)) return;
-  const auto direction = vek::util::order_argument(err, order, order_len, 2, 99993);
+  const auto direction = vek::util::string_key_arguments(err, *m1, *m2, *l1, *l2, ch_len, order, order_len);
   if (!direction) return;
   const int64_t n = *m2 - *m1 + 1;
   char* first = ch + (*m1 - 1) * ch_len;
