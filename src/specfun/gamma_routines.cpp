@@ -16,6 +16,20 @@ constexpr double kPqSumTolerance = 1.0e-14;
 
 bool is_pole(double x) { return x <= 0.0 && x == std::floor(x); }
 
+// ln|Gamma(X)| and its sign through the checks of s14abf; the sign is 1 on failure.
+double log_gamma_checked(vek::frame::ErrorBuffer& err, double x, int* sign) {
+  *sign = 1;
+  if (is_pole(x)) {
+    err.fail(1, 99999, x);
+    return 0.0;
+  }
+  if (x > kLgammaMaxArg) {
+    err.fail(2, 99998, x);
+    return 0.0;
+  }
+  return vek::specfun::lgamma(x, sign);
+}
+
 }  // namespace
 
 extern "C" {
@@ -51,15 +65,36 @@ double s14aafn_(const double* x, char* errbuf, int64_t* ierr, int64_t errbuf_len
 double s14abfn_(const double* x, char* errbuf, int64_t* ierr, int64_t errbuf_len) {
   vek::frame::ErrorBuffer err(errbuf, errbuf_len, ierr);
   if (!err.licensed("S14ABFN")) return 0.0;
-  if (is_pole(*x)) {
-    err.fail(1, 99999, *x);
+  int sign = 1;
+  return log_gamma_checked(err, *x, &sign);
+}
+
+// ln|Gamma(X)| as s14abf, with the sign of Gamma(X) in SGN (+1 for X > 0, alternating between the poles
+// below 0; +1 on failure and for NaN).
+double s14ahfn_(const double* x, double* sgn, char* errbuf, int64_t* ierr, int64_t errbuf_len) {
+  vek::frame::ErrorBuffer err(errbuf, errbuf_len, ierr);
+  *sgn = 1.0;
+  if (!err.licensed("S14AHFN")) return 0.0;
+  int sign = 1;
+  const double value = log_gamma_checked(err, *x, &sign);
+  *sgn = sign;
+  return value;
+}
+
+// ln B(A, B) (lgamma.cpp): Stirling's series arranged so that the large logarithms cancel analytically.
+// A <= 0: IFAIL 1; B <= 0: IFAIL 2 (NaN fails these too); both return 0. A or B = +inf gives -inf.
+double s14cbfn_(const double* a, const double* b, char* errbuf, int64_t* ierr, int64_t errbuf_len) {
+  vek::frame::ErrorBuffer err(errbuf, errbuf_len, ierr);
+  if (!err.licensed("S14CBFN")) return 0.0;
+  if (!(*a > 0.0)) {
+    err.fail(1, 99999, *a);
     return 0.0;
   }
-  if (*x > kLgammaMaxArg) {
-    err.fail(2, 99998, *x);
+  if (!(*b > 0.0)) {
+    err.fail(2, 99998, *b);
     return 0.0;
   }
-  return vek::specfun::lgamma(*x);
+  return vek::specfun::lbeta(*a, *b);
 }
 
 // psi(X) (digamma.cpp). X zero or a negative integer (or -inf): IFAIL 1 and 0. NaN -> NaN with IFAIL 0.

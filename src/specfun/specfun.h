@@ -5,6 +5,8 @@
 // arguments give. Accuracies measured against high-precision tables are listed in docs/specfun.md.
 #pragma once
 
+#include <cstdint>
+
 namespace vek::specfun {
 
 // Error functions, Cody's rational approximations (erf_cody.h).
@@ -33,9 +35,15 @@ double lgamma1p(double a);
 double gamma1pm1(double a);
 // ln Gamma(x) - [(x - 1/2) ln x - x + ln(2 pi)/2], the Stirling remainder, for x >= 10.
 double stirling_remainder(double x);
-// ln B(a, b) and B(a, b) for a, b > 0 (NaN otherwise).
+// ln B(a, b) and B(a, b) for a, b > 0 (NaN otherwise; an infinite argument gives -inf and 0).
 double lbeta(double a, double b);
 double beta(double a, double b);
+// n! for integers n >= 0, within 0.51 ulp: +inf beyond 170, NaN for n < 0.
+double factorial(int64_t n);
+// The binomial coefficient n over k for integers 0 <= k <= n (0 for k < 0 or k > n, NaN for n < 0): a
+// product in extended precision while min(k, n - k) <= 1000, else 1 / ((n + 1) B(n - k + 1, k + 1)); +inf
+// when it overflows.
+double binomial(int64_t n, int64_t k);
 
 // Digamma psi(x) = Gamma'(x)/Gamma(x); poles give NaN; +inf -> +inf, -inf and NaN -> NaN.
 double digamma(double x);

@@ -94,6 +94,14 @@ TEST(GammaFamily, EveryMessage) {
   expect_report([&](int64_t* f) { s14abf_(&x, f); }, 1, {" ** On entry, X = -2.", pole}, "S14ABF");
   expect_report([&](int64_t* f) { s14abf_(&big, f); }, 2,
                 {" ** On entry, X = 3e+305.", " ** Constraint: X <= 2.55e+305 (the result would overflow)."}, "S14ABF");
+  double sgn = 0;
+  expect_report([&](int64_t* f) { s14ahf_(&x, &sgn, f); }, 1, {" ** On entry, X = -2.", pole}, "S14AHF");
+  expect_report([&](int64_t* f) { s14ahf_(&big, &sgn, f); }, 2,
+                {" ** On entry, X = 3e+305.", " ** Constraint: X <= 2.55e+305 (the result would overflow)."}, "S14AHF");
+  expect_report([&](int64_t* f) { s14cbf_(&a, &z, f); }, 1, {" ** On entry, A = 0.", " ** Constraint: A > 0.0."},
+                "S14CBF");
+  expect_report([&](int64_t* f) { s14cbf_(&z, &b, f); }, 2, {" ** On entry, B = -1.", " ** Constraint: B > 0.0."},
+                "S14CBF");
   expect_report([&](int64_t* f) { s14acf_(&x, f); }, 1, {" ** On entry, X = -2.", pole}, "S14ACF");
   expect_report([&](int64_t* f) { s14aef_(&z, &n, f); }, 1, {" ** On entry, N = 51.", " ** Constraint: 0 <= N <= 50."},
                 "S14AEF");
@@ -125,6 +133,48 @@ TEST(GammaFamily, NonConvergenceOfTheIncompleteGammaIsReported) {
   double a = 1e13, x = 1e13, p = 0, q = 0;
   expect_report([&](int64_t* f) { s14baf_(&a, &x, &p, &q, f); }, 3,
                 {" ** The iteration did not converge: A = 1e+13, X = 1e+13."}, "S14BAF");
+}
+
+TEST(GammaFamily, LogGammaSignAndLogBeta) {
+  for (double x : {2.5, -0.5, -1.5, -2.5, -3.5, 1e-300, -1e-300}) {
+    double sgn = 0;
+    int64_t ifail = 1;
+    const double v = s14ahf_(&x, &sgn, &ifail);
+    EXPECT_EQ(ifail, 0);
+    const double g = std::tgamma(x);
+    EXPECT_EQ(sgn, g > 0 ? 1.0 : -1.0) << x;
+    EXPECT_NEAR(v, std::log(std::fabs(g)), 1e-14 * (1.0 + std::fabs(v))) << x;
+  }
+  double half = 0.5, million = 1e6;
+  int64_t ifail = 1;
+  EXPECT_NEAR(s14cbf_(&half, &million, &ifail), std::log(0.001772454072462261237774726534), 1e-14);
+  EXPECT_NEAR(s14cbf_(&million, &half, &ifail), std::log(0.001772454072462261237774726534), 1e-14);
+  EXPECT_EQ(ifail, 0);
+  EXPECT_EQ(vek::specfun::lbeta(kInf, 2.0), -kInf);
+}
+
+TEST(GammaFamily, FactorialsAndBinomialsInFloatingPoint) {
+  namespace sf = vek::specfun;
+  uint64_t exact = 1;
+  for (int64_t n = 0; n <= 20; ++n) {
+    if (n > 0) exact *= static_cast<uint64_t>(n);
+    EXPECT_EQ(sf::factorial(n), static_cast<double>(exact)) << n;
+  }
+  EXPECT_NEAR(sf::factorial(170) / 7.25741561530799896739672821113e+306, 1.0, 2.3e-16);
+  EXPECT_EQ(sf::factorial(171), kInf);
+  EXPECT_TRUE(std::isnan(sf::factorial(-1)));
+  std::vector<uint64_t> row{1};  // Pascal's triangle, exact in 64 bits up to n = 62
+  for (int64_t n = 1; n <= 62; ++n) {
+    std::vector<uint64_t> next(static_cast<size_t>(n + 1), 1);
+    for (int64_t k = 1; k < n; ++k) next[static_cast<size_t>(k)] = row[static_cast<size_t>(k - 1)] + row[static_cast<size_t>(k)];
+    row = next;
+    for (int64_t k = 0; k <= n; ++k) ASSERT_EQ(sf::binomial(n, k), static_cast<double>(row[static_cast<size_t>(k)])) << n << " " << k;
+  }
+  EXPECT_NEAR(sf::binomial(1000, 500) / 2.70288240945436569515614693626e+299, 1.0, 1e-13);
+  EXPECT_EQ(sf::binomial(1000000, 300000), kInf);
+  EXPECT_EQ(sf::binomial(5, 6), 0.0);
+  EXPECT_EQ(sf::binomial(5, -1), 0.0);
+  EXPECT_TRUE(std::isnan(sf::binomial(-5, 2)));
 }
 
 TEST(GammaFamily, NonFiniteAndDomainEdges) {
