@@ -46,7 +46,7 @@ std::string special(double x, int width) {
 // Fixed point with d decimals; Fortran writes the point even with no decimals and may drop the zero before
 // it when room is short.
 std::string fixed(double x, int width, int d) {
-  char buf[400];
+  char buf[400];  // the largest double has 309 digits before the point, at most 59 after it
   std::snprintf(buf, sizeof buf, "%.*f", d, x);
   std::string s(buf);
   if (d == 0) s += '.';
@@ -59,7 +59,7 @@ std::string fixed(double x, int width, int d) {
 
 // The significant digits of |x| rounded to `digits`, and the decimal exponent of the first one.
 void significand(double x, int digits, std::string& out, int& exponent) {
-  char buf[64];
+  char buf[2 * kMaxFieldWidth];  // at most kMaxFieldWidth digits, the point and "e+308"
   std::snprintf(buf, sizeof buf, "%.*e", digits - 1, std::fabs(x));
   const std::string_view s(buf);
   const size_t e = s.find('e');

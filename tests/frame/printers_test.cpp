@@ -2,6 +2,7 @@
 // exact read-back of every printed element for every storage scheme, and every message of every routine.
 #include <gtest/gtest.h>
 
+#include <cfloat>
 #include <cmath>
 #include <cstdlib>
 #include <random>
@@ -389,6 +390,26 @@ TEST(PrinterFormats, FortranEditDescriptors) {
   EXPECT_EQ(format_real(f("F5.2"), -INFINITY), " -Inf");
   EXPECT_EQ(format_real(f("F2.0"), -INFINITY), "**");
   EXPECT_EQ(format_real(f("F5.2"), NAN), "  NaN");
+  // The widest fields with the most digits, at the ends of the range.
+  for (const char* form : {"1PE60.59", "E60.59", "G60.59", "1PG60.59", "F60.59"})
+    for (double x : {DBL_MAX, -DBL_MAX, DBL_TRUE_MIN, -1.0 / 3})
+      EXPECT_EQ(format_real(f(form), x).size(), 60u) << form << x;
+  for (const char* form : {"1PE60.50", "E60.50", "G60.50", "1PG60.50", "F60.50"})
+    for (double x : {DBL_MAX, -DBL_MAX, DBL_TRUE_MIN, -1.0 / 3}) {
+      const std::string s = format_real(f(form), x);
+      if (form[0] == 'F' && std::fabs(x) > 1e10) {
+        EXPECT_EQ(s, std::string(60, '*'));
+        continue;
+      }
+      // An exponent beyond 99 has no letter; F shows the subnormal as zero.
+      std::string t = s;
+      const size_t sign = t.find_last_of("+-");
+      if (sign != std::string::npos && sign > 0 && std::isdigit(static_cast<unsigned char>(t[sign - 1])))
+        t.insert(sign, "E");
+      const double back = std::strtod(t.c_str(), nullptr);
+      if (form[0] == 'F' && std::fabs(x) < 1) EXPECT_NEAR(back, x, 1e-50) << form << " " << s;
+      else EXPECT_NEAR(back / x, 1.0, 1e-15) << form << " " << s;
+    }
   const auto i6 = vek::printers::parse_edit_descriptor("i6", true);
   ASSERT_TRUE(i6);
   EXPECT_EQ(vek::printers::format_integer(*i6, -12345), "-12345");
