@@ -1,0 +1,51 @@
+# Run as a test: one of the reference BLAS/LAPACK test programs (Debian's libblas64-test, liblapack64-test)
+# with the library preloaded, so that every published name it exports replaces the program's own BLAS/LAPACK.
+# The programs work on small matrices: one thread each, so that spinning OpenMP teams do not fight over cores.
+#   cmake -DPROGRAM=<tester> -DINPUTS=<input;...> -DLIBRARY=<libvek...so> -DWORKDIR=<dir> -P reference_tester.cmake
+# The computational tests must all pass. The error-exit tests differ by design: the library reports an illegal
+# argument through INFO and its own argument-error line instead of calling the program's XERBLA, so the
+# program sees its XERBLA not called ("not detected"); those lines are counted and listed, not failed.
+file(REMOVE_RECURSE ${WORKDIR})
+file(MAKE_DIRECTORY ${WORKDIR})
+if(NOT INPUTS)
+  set(INPUTS "-")
+endif()
+set(failures "")
+set(exit_differences 0)
+foreach(input IN LISTS INPUTS)
+  set(stdin_option "")
+  if(NOT input STREQUAL "-")
+    set(stdin_option INPUT_FILE ${input})
+  endif()
+  execute_process(COMMAND ${CMAKE_COMMAND} -E env LD_PRELOAD=${LIBRARY} OMP_NUM_THREADS=1 ${PROGRAM} ${stdin_option}
+                  WORKING_DIRECTORY ${WORKDIR} OUTPUT_VARIABLE output ERROR_VARIABLE errors RESULT_VARIABLE rc
+                  TIMEOUT 600)
+  # The BLAS testers write their summary into a file named in the input (on unit 6).
+  file(GLOB summaries ${WORKDIR}/*.out)
+  foreach(summary IN LISTS summaries)
+    file(READ ${summary} text)
+    string(APPEND output "${text}")
+    file(REMOVE ${summary})
+  endforeach()
+  get_filename_component(label "${input}" NAME)
+  if(NOT rc EQUAL 0)
+    list(APPEND failures "${label}: exit status ${rc}\n${errors}")
+  endif()
+  if(NOT output MATCHES "END OF TESTS|End of tests|PASS")
+    list(APPEND failures "${label}: the program did not finish its tests")
+  endif()
+  string(REGEX MATCHALL "[^\n]*\n" lines "${output}")
+  foreach(line IN LISTS lines)
+    if(line MATCHES "[Nn][Oo][Tt] [Dd][Ee][Tt][Ee][Cc][Tt][Ee][Dd]|[Ee][Rr][Rr][Oo][Rr][ -][Ee][Xx][Ii][Tt][Ss]")
+      math(EXPR exit_differences "${exit_differences} + 1")
+    elseif(line MATCHES "FAIL|[Ff]ailed|SUSPECT|[Ff][Aa][Tt][Aa][Ll]|STOP")
+      string(STRIP "${line}" line)
+      list(APPEND failures "${label}: ${line}")
+    endif()
+  endforeach()
+endforeach()
+message(STATUS "${exit_differences} error-exit lines differ by design (argument errors reported through INFO)")
+if(failures)
+  string(REPLACE ";" "\n" failures "${failures}")
+  message(FATAL_ERROR "computational failures:\n${failures}")
+endif()
