@@ -22,7 +22,7 @@ std::string_view trim(std::string_view s) {
 void assign(char* dst, int64_t len, std::string_view src) {
   if (len <= 0 || dst == nullptr) return;
   const size_t n = std::min(static_cast<size_t>(len), src.size());
-  std::memmove(dst, src.data(), n);
+  if (n > 0) std::memmove(dst, src.data(), n);  // an empty view may hold a null pointer
   std::memset(dst + n, ' ', static_cast<size_t>(len) - n);
 }
 
