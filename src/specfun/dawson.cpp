@@ -1,9 +1,11 @@
 // Dawson's integral F(x) = exp(-x^2) int_0^x exp(t^2) dt, odd in x.
 //
-// |x| < 7: F(x) = exp(-x^2) sum_{n>=0} x^(2n+1) / (n! (2n+1)), a series of positive terms (no cancellation;
-// at most 150 terms), with exp(-x^2) from the exact split x^2 = s + e. |x| >= 7: the asymptotic series
-// F(x) = 1/(2x) sum_k (2k-1)!! / (2x^2)^k, whose smallest term is below 1e-21 there.
+// |x| < 1/2: F(x) = exp(-x^2) sum_{n>=0} x^(2n+1) / (n! (2n+1)), a short series of positive terms.
+// 1/2 <= |x| < 7: F(x) = (sqrt(pi)/2) Im w(x), Rybicki's sum of exponentials (faddeeva.cpp).
+// |x| >= 7: the asymptotic series F(x) = 1/(2x) sum_k (2k-1)!! / (2x^2)^k, whose smallest term is below 1e-21.
 #include <cmath>
+#include <complex>
+#include <numbers>
 
 #include "frame/constants.h"
 #include "specfun/specfun.h"
@@ -12,23 +14,20 @@ namespace vek::specfun {
 namespace {
 
 constexpr double kEps = vek::constants::eps();
+constexpr double kSeriesEnd = 0.5;
+constexpr double kAsymptoticStart = 7.0;
 
 double dawson_series(double x) {
   const double s = x * x;
-  const double e = std::fma(x, x, -s);
   double term = x;
   double sum = x;
-  double carry = 0.0;  // compensated summation: the sum has up to 150 terms
-  for (int n = 1; n < 200; ++n) {
+  for (int n = 1; n < 40; ++n) {
     term *= s / n;
     const double add = term / (2 * n + 1);
-    const double y = add - carry;
-    const double t = sum + y;
-    carry = (t - sum) - y;
-    sum = t;
+    sum += add;
     if (add <= kEps * sum) break;
   }
-  return std::exp(-s) * (1.0 - e) * sum;
+  return std::exp(-s) * sum;
 }
 
 double dawson_asymptotic(double x) {
@@ -48,7 +47,10 @@ double dawson_asymptotic(double x) {
 double dawson(double x) {
   const double y = std::fabs(x);
   if (std::isnan(x)) return x;
-  const double f = y < 7.0 ? dawson_series(y) : dawson_asymptotic(y);
+  double f;
+  if (y < kSeriesEnd) f = dawson_series(y);
+  else if (y < kAsymptoticStart) f = 0.5 * std::sqrt(std::numbers::pi) * faddeeva({y, 0.0}).imag();
+  else f = dawson_asymptotic(y);
   return x < 0.0 ? -f : f;
 }
 

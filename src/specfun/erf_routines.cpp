@@ -1,6 +1,7 @@
-// Workers of the S15 routines: erfc, erf, the scaled erfc, Dawson's integral and the inverses of erf and erfc.
-// The kernels are in erf.cpp, dawson.cpp and erf_inverse.cpp.
+// Workers of the S15 routines: erfc, erf, the scaled erfc, Dawson's integral, the Faddeeva function and the
+// inverses of erf and erfc. The kernels are in erf.cpp, dawson.cpp, faddeeva.cpp and erf_inverse.cpp.
 #include <cmath>
+#include <complex>
 #include <limits>
 
 #include "frame/error_buffer.h"
@@ -42,6 +43,16 @@ double s15agfn_(const double* x, char* errbuf, int64_t* ierr, int64_t errbuf_len
 // Dawson's integral by its series of positive terms (|X| < 7) or asymptotic series. NaN -> NaN, +-inf -> +-0.
 double s15affn_(const double* x, char* errbuf, int64_t* ierr, int64_t errbuf_len) {
   return vek::specfun::licensed_value("S15AFFN", errbuf, errbuf_len, ierr, [&] { return vek::specfun::dawson(*x); });
+}
+
+// w(Z) = exp(-Z^2) erfc(-iZ) (faddeeva.cpp): a trapezoidal sum with its pole term near the real axis, Laplace's
+// continued fraction elsewhere, w(z) = 2 exp(-z^2) - w(-z) below the axis. Where exp(-Z^2) overflows (Im Z < 0,
+// Im(Z)^2 - Re(Z)^2 > 709.78) the parts are infinite; a NaN part, or Im Z = -inf, gives NaN parts.
+vek_complex s15ddfn_(const vek_complex* z, char* errbuf, int64_t* ierr, int64_t errbuf_len) {
+  return vek::specfun::licensed_value("S15DDFN", errbuf, errbuf_len, ierr, [&] {
+    const std::complex<double> w = vek::specfun::faddeeva({z->re, z->im});
+    return vek_complex{w.real(), w.imag()};
+  });
 }
 
 // The x with erf(x) = Y, -1 < Y < 1, refined from a closed-form start by Halley's or Newton's iteration.

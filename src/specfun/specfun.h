@@ -5,6 +5,7 @@
 // arguments give. Accuracies measured against high-precision tables are listed in docs/specfun.md.
 #pragma once
 
+#include <complex>
 #include <cstdint>
 
 namespace vek::specfun {
@@ -16,6 +17,11 @@ double erfcx(double x);  // exp(x^2) erfc(x); +inf -> 0, overflows to +inf for x
 double dawson(double x); // Dawson's integral exp(-x^2) int_0^x exp(t^2) dt; +-inf -> +-0, NaN -> NaN
 double erf_inv(double y);   // inverse of erf on [-1, 1]: +-1 -> +-inf, |y| > 1 or NaN -> NaN
 double erfc_inv(double q);  // inverse of erfc on [0, 2]: 0 -> +inf, 2 -> -inf, outside or NaN -> NaN
+
+// The Faddeeva (scaled complex complementary error) function w(z) = exp(-z^2) erfc(-iz); NaN parts give NaN.
+// Accurate to a few ulps of each part in the upper half-plane; below the real axis w(z) = 2 exp(-z^2) - w(-z)
+// overflows where exp(-z^2) does.
+std::complex<double> faddeeva(std::complex<double> z);
 
 // Gamma function with the failure classes of s14aaf, checked in this order: overflow (x > 170), underflow
 // (x < -170), too close to zero (|x| < 2.23e-308), pole (negative integer). value is 0 on failure.

@@ -8,11 +8,11 @@
 
 namespace vek::specfun {
 
-// For a worker with no failure of its own: the value of f().
+// For a worker with no failure of its own: the value of f() (zero when the licence is refused).
 template <class F>
-double licensed_value(const char* worker, char* errbuf, int64_t errbuf_len, int64_t* ierr, F f) {
+auto licensed_value(const char* worker, char* errbuf, int64_t errbuf_len, int64_t* ierr, F f) -> decltype(f()) {
   frame::ErrorBuffer err(errbuf, errbuf_len, ierr);
-  if (!err.licensed(worker)) return 0.0;
+  if (!err.licensed(worker)) return {};
   return f();
 }
 

@@ -80,6 +80,9 @@ const std::vector<Case>& cases() {
                               int64_t ifail = 1;
                               return s14bbf_(&a[0], &a[1], &a[2], &ifail);
                             }, {}}}},
+      {"faddeeva", 2,
+       {{"faddeeva_re", [](const Args& a) { return vek::specfun::faddeeva({a[0], a[1]}).real(); }, {}},
+        {"faddeeva_im", [](const Args& a) { return vek::specfun::faddeeva({a[0], a[1]}).imag(); }, {}}}},
       {"beta_inc", 3,
        {{"beta_inc", [](const Args& a) { return incomplete_beta(a, false); }, {}},
         {"beta_inc_c", [](const Args& a) { return incomplete_beta(a, true); }, {}}}},

@@ -132,6 +132,44 @@ TEST(ErfFamily, NonFiniteArguments) {
   EXPECT_TRUE(std::isnan(vek::specfun::erfc_inv(kNaN)));
 }
 
+vek_complex w_entry(double x, double y) {
+  const vek_complex z{x, y};
+  int64_t ifail = -1;
+  const vek_complex w = s15ddf_(&z, &ifail);
+  EXPECT_EQ(ifail, 0);
+  return w;
+}
+
+TEST(Faddeeva, AxesSymmetryAndNonFiniteArguments) {
+  const vek_complex at_zero = w_entry(0.0, 0.0);
+  EXPECT_EQ(at_zero.re, 1.0);
+  EXPECT_EQ(at_zero.im, 0.0);
+  for (double y : {1e-300, 0.3, 2.0, 5.9, 6.0, 40.0, 1e200}) {
+    const vek_complex w = w_entry(0.0, y);
+    EXPECT_NEAR(w.re / vek::specfun::erfcx(y), 1.0, 1e-14) << y;
+    EXPECT_EQ(w.im, 0.0) << y;
+  }
+  for (double x : {1e-300, 0.2, 1.0, 3.5, 6.9, 26.0, 30.0, 1e10}) {
+    const vek_complex w = w_entry(x, 0.0);
+    EXPECT_NEAR(w.re, std::exp(-x * x), 1e-15 * std::exp(-x * x)) << x;
+    EXPECT_NEAR(w.im, 2.0 / std::sqrt(M_PI) * vek::specfun::dawson(x), 1e-14 * std::fabs(w.im)) << x;
+  }
+  std::mt19937_64 gen(13);
+  std::uniform_real_distribution<double> u(-30.0, 30.0), v(0.0, 8.0);
+  for (int i = 0; i < 500; ++i) {
+    const double x = u(gen), y = v(gen);
+    const vek_complex w = w_entry(x, y), mirrored = w_entry(-x, y);
+    ASSERT_TRUE(same_bits(w.re, mirrored.re) && same_bits(w.im, -mirrored.im)) << x << " " << y;
+  }
+  EXPECT_TRUE(std::isnan(w_entry(kNaN, 1.0).re));
+  EXPECT_TRUE(std::isnan(w_entry(1.0, kNaN).im));
+  const vek_complex far = w_entry(kInf, 1.0);
+  EXPECT_EQ(far.re, 0.0);
+  EXPECT_EQ(far.im, 0.0);
+  const vek_complex overflow = w_entry(0.0, -30.0);
+  EXPECT_EQ(overflow.re, kInf);
+}
+
 TEST(ErfInverse, RoundTripsThroughErfAndErfc) {
   std::mt19937_64 gen(11);
   std::uniform_real_distribution<double> u(-0.999, 0.999);

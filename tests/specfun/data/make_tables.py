@@ -91,7 +91,7 @@ def dawson(x):
 
 def dawson_tables(rng):
     rows = one("tiny", logspace(rng, -300, -3, 40), dawson)
-    rows += one("series", uniform(rng, -7.0, 7.0, 300) + [0.9241388730036092], dawson)
+    rows += one("central", uniform(rng, -7.0, 7.0, 300) + [0.9241388730036092], dawson)
     rows += one("asymptotic", logspace(rng, 0.846, 150, 100) + [7.0], dawson)
     write("dawson", "Dawson's integral", rows)
 
@@ -222,6 +222,32 @@ def inverse_gamma_tables(rng):
     write("gamma_pq_inv", "x with P(a, x) = p, Q(a, x) = q", rows)
 
 
+def faddeeva(z):
+    return mp.exp(-z * z) * mp.erfc(-1j * z)
+
+
+def faddeeva_tables(rng):
+    """Arguments x, y; references Re w(x + iy) and Im w(x + iy)."""
+    rows = []
+
+    def add(region, x, y):
+        x, y = d(x), d(y)
+        v = faddeeva(mp.mpc(x, y))
+        rows.append((region, (x, y), (v.real, v.imag)))
+
+    for _ in range(100):
+        add("small", rng.uniform(-1, 1), rng.uniform(0, 1))
+    for _ in range(150):
+        add("middle", rng.uniform(-27, 27), rng.uniform(0, 6))
+    for _ in range(60):
+        add("near_axis", rng.uniform(-10, 10), 10 ** rng.uniform(-12, -1))
+    for _ in range(60):
+        add("large", rng.choice([-1, 1]) * 10 ** rng.uniform(0, 6), 10 ** rng.uniform(0.78, 6))
+    for _ in range(40):
+        add("lower", rng.uniform(-2, 2), -rng.uniform(0, 1))
+    write("faddeeva", "Re and Im of w(x + iy)", rows)
+
+
 def incomplete_beta_tables(rng):
     rows = []
 
@@ -283,6 +309,7 @@ def main():
     incomplete_gamma_tables(rng)
     incomplete_beta_tables(rng)
     inverse_gamma_tables(rng)
+    faddeeva_tables(rng)
 
 
 if __name__ == "__main__":
