@@ -7,5 +7,6 @@ int main(void) {
   tour_machine();
   tour_sorting();
   tour_specfun();
+  tour_linalg();
   return 0;
 }

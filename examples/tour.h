@@ -10,5 +10,6 @@ void tour_units(void);
 void tour_machine(void);
 void tour_sorting(void);
 void tour_specfun(void);
+void tour_linalg(void);
 
 #endif
