@@ -51,7 +51,7 @@ double dawson(double x) {
   if (y < kSeriesEnd) f = dawson_series(y);
   else if (y < kAsymptoticStart) f = 0.5 * std::sqrt(std::numbers::pi) * faddeeva({y, 0.0}).imag();
   else f = dawson_asymptotic(y);
-  return x < 0.0 ? -f : f;
+  return std::signbit(x) ? -f : f;
 }
 
 }  // namespace vek::specfun

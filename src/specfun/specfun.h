@@ -23,6 +23,14 @@ double erfc_inv(double q);  // inverse of erfc on [0, 2]: 0 -> +inf, 2 -> -inf, 
 // overflows where exp(-z^2) does.
 std::complex<double> faddeeva(std::complex<double> z);
 
+// Fresnel integrals S(x) = int_0^x sin(pi t^2/2) dt and C(x) = int_0^x cos(pi t^2/2) dt: odd, +-1/2 at +-inf,
+// NaN -> NaN.
+struct Fresnel {
+  double s;
+  double c;
+};
+Fresnel fresnel(double x);
+
 // Gamma function with the failure classes of s14aaf, checked in this order: overflow (x > 170), underflow
 // (x < -170), too close to zero (|x| < 2.23e-308), pole (negative integer). value is 0 on failure.
 enum class GammaStatus { ok, overflow, underflow, near_zero, pole };

@@ -83,6 +83,7 @@ const std::vector<Case>& cases() {
       {"faddeeva", 2,
        {{"faddeeva_re", [](const Args& a) { return vek::specfun::faddeeva({a[0], a[1]}).real(); }, {}},
         {"faddeeva_im", [](const Args& a) { return vek::specfun::faddeeva({a[0], a[1]}).imag(); }, {}}}},
+      {"fresnel", 1, {{"fresnel_s", entry<s20acf_>, {}}, {"fresnel_c", entry<s20adf_>, {}}}},
       {"beta_inc", 3,
        {{"beta_inc", [](const Args& a) { return incomplete_beta(a, false); }, {}},
         {"beta_inc_c", [](const Args& a) { return incomplete_beta(a, true); }, {}}}},

@@ -121,6 +121,7 @@ TEST(ErfFamily, NonFiniteArguments) {
   EXPECT_TRUE(std::isnan(vek::specfun::erfcx(kNaN)));
   EXPECT_EQ(vek::specfun::dawson(kInf), 0.0);
   EXPECT_TRUE(same_bits(vek::specfun::dawson(-kInf), -0.0));
+  EXPECT_TRUE(same_bits(vek::specfun::dawson(-0.0), -0.0));
   EXPECT_TRUE(std::isnan(vek::specfun::dawson(kNaN)));
   EXPECT_EQ(vek::specfun::erf_inv(1.0), kInf);
   EXPECT_EQ(vek::specfun::erf_inv(-1.0), -kInf);
@@ -168,6 +169,40 @@ TEST(Faddeeva, AxesSymmetryAndNonFiniteArguments) {
   EXPECT_EQ(far.im, 0.0);
   const vek_complex overflow = w_entry(0.0, -30.0);
   EXPECT_EQ(overflow.re, kInf);
+}
+
+TEST(Fresnel, OddSymmetryLimitsAndNonFiniteArguments) {
+  const auto s_of = [](double x) {
+    int64_t ifail = -1;
+    const double v = s20acf_(&x, &ifail);
+    EXPECT_EQ(ifail, 0);
+    return v;
+  };
+  const auto c_of = [](double x) {
+    int64_t ifail = -1;
+    const double v = s20adf_(&x, &ifail);
+    EXPECT_EQ(ifail, 0);
+    return v;
+  };
+  EXPECT_TRUE(same_bits(s_of(0.0), 0.0));
+  EXPECT_TRUE(same_bits(c_of(-0.0), -0.0));
+  EXPECT_EQ(s_of(kInf), 0.5);
+  EXPECT_EQ(c_of(-kInf), -0.5);
+  EXPECT_TRUE(std::isnan(s_of(kNaN)));
+  EXPECT_TRUE(std::isnan(c_of(kNaN)));
+  // Far out C and S approach 1/2 like 1/(pi x).
+  EXPECT_NEAR(c_of(1e12), 0.5, 1e-12);
+  EXPECT_NEAR(s_of(1e12), 0.5, 1e-12);
+  std::mt19937_64 gen(17);
+  std::uniform_real_distribution<double> u(0.0, 50.0);
+  for (int i = 0; i < 500; ++i) {
+    const double x = u(gen);
+    ASSERT_TRUE(same_bits(s_of(-x), -s_of(x)) && same_bits(c_of(-x), -c_of(x))) << x;
+  }
+  // Across the change of method at 1 the two forms agree.
+  const double below = std::nextafter(1.0, 0.0);
+  EXPECT_NEAR(s_of(below), s_of(1.0), 1e-15);
+  EXPECT_NEAR(c_of(below), c_of(1.0), 1e-15);
 }
 
 TEST(ErfInverse, RoundTripsThroughErfAndErfc) {

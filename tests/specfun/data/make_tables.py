@@ -248,6 +248,24 @@ def faddeeva_tables(rng):
     write("faddeeva", "Re and Im of w(x + iy)", rows)
 
 
+def fresnel_tables(rng):
+    """Argument x; references S(x) and C(x) (mpmath's fresnels/fresnelc use the same pi t^2 / 2 convention)."""
+    rows = []
+
+    def add(region, x):
+        x = d(x)
+        rows.append((region, (x,), (mp.fresnels(x), mp.fresnelc(x))))
+
+    for x in logspace(rng, -300, -2, 30) + uniform(rng, -1.0, 1.0, 100):
+        add("series", x)
+    for x in uniform(rng, -10.0, 10.0, 150):
+        if abs(x) >= 1:
+            add("middle", x)
+    for x in logspace(rng, 1, 8, 80):
+        add("large", rng.choice([-1, 1]) * x)
+    write("fresnel", "S(x) and C(x)", rows)
+
+
 def incomplete_beta_tables(rng):
     rows = []
 
@@ -310,6 +328,7 @@ def main():
     incomplete_beta_tables(rng)
     inverse_gamma_tables(rng)
     faddeeva_tables(rng)
+    fresnel_tables(rng)
 
 
 if __name__ == "__main__":
