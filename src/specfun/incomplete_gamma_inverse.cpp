@@ -4,7 +4,8 @@
 // quantile of p, unless the lower tail's x = (p Gamma(a + 1))^(1/a) (from P ~ x^a / Gamma(a + 1)) is below
 // a/3; for a <= 1 the inversion of P ~ x^a / Gamma(a + 1) below t = 1 - a (0.253 + 0.12 a) and of Q ~ e^-x
 // above. Refinement: Newton's iteration on ln T(x) - ln t, T the smaller tail (P or Q) and t its target,
-// which is well scaled however small t is; a step that would leave x > 0 halves x instead.
+// which is well scaled however small t is; a step that would leave x > 0 halves x instead. Should P, Q fail to
+// converge (a beyond about 1e11), the current x is returned.
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -44,6 +45,7 @@ double gamma_pq_inv(double a, double p, double q) {
   double x = starting_point(a, p, q);
   for (int i = 0; i < kMaxIterations; ++i) {
     const GammaPQ r = gamma_pq(a, x);
+    if (!r.converged) break;
     const double tail = lower ? r.p : r.q;
     const double density = gamma_p_derivative(a, x);
     if (!(tail > 0.0) || !(density > 0.0) || std::isinf(density)) break;

@@ -192,6 +192,8 @@ TEST(Fresnel, OddSymmetryLimitsAndNonFiniteArguments) {
   EXPECT_TRUE(std::isnan(c_of(kNaN)));
   // Far out C and S approach 1/2 like 1/(pi x).
   EXPECT_NEAR(c_of(1e12), 0.5, 1e-12);
+  EXPECT_EQ(c_of(1e200), 0.5);
+  EXPECT_EQ(s_of(-1e300), -0.5);
   EXPECT_NEAR(s_of(1e12), 0.5, 1e-12);
   std::mt19937_64 gen(17);
   std::uniform_real_distribution<double> u(0.0, 50.0);
