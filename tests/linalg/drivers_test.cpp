@@ -71,13 +71,16 @@ TEST(F04baf, SolvesAndEstimatesTheCondition) {
   EXPECT_LE(max_abs_diff(c.b, x0), 10 * c.errbnd);
 }
 
+// One message case: how the valid call is spoiled, the IFAIL expected and the message records.
+template <class Call>
+struct MessageCase {
+  std::function<void(Call&)> edit;
+  int ifail;
+  std::vector<std::string> message;
+};
+
 TEST(F04baf, EveryMessage) {
-  struct Case {
-    std::function<void(GeneralCall&)> edit;
-    int ifail;
-    std::vector<std::string> message;
-  };
-  const std::vector<Case> cases = {
+  const std::vector<MessageCase<GeneralCall>> cases = {
       {[](GeneralCall& c) { c.n = -2; }, 1, {"** On entry, N = -2.", "** Constraint: N >= 0."}},
       {[](GeneralCall& c) { c.nrhs = -1; }, 1, {"** On entry, NRHS = -1.", "** Constraint: NRHS >= 0."}},
       {[](GeneralCall& c) { c.lda = 2; }, 1, {"** On entry, LDA = 2 and N = 3.", "** Constraint: LDA >= max(1,N)."}},
@@ -85,7 +88,7 @@ TEST(F04baf, EveryMessage) {
       {[](GeneralCall& c) { c.a = {1, 2, 3, 2, 4, 6, 0, 1, 1}; }, 2,
        {"** The factor U is singular: U(2,2) is exactly zero.", "** No solution has been computed."}},
   };
-  for (const Case& k : cases) {
+  for (const auto& k : cases) {
     GeneralCall c;
     k.edit(c);
     ErrorUnitCapture capture;
@@ -138,12 +141,7 @@ TEST(F04bbf, EveryMessage) {
   struct Args {
     int64_t n = 3, kl = 1, ku = 1, nrhs = 1, ldab = 4, ldb = 3;
   };
-  struct Case {
-    std::function<void(Args&)> edit;
-    int ifail;
-    std::vector<std::string> message;
-  };
-  const std::vector<Case> cases = {
+  const std::vector<MessageCase<Args>> cases = {
       {[](Args& a) { a.n = -1; }, 1, {"** On entry, N = -1.", "** Constraint: N >= 0."}},
       {[](Args& a) { a.kl = -1; }, 1, {"** On entry, KL = -1.", "** Constraint: KL >= 0."}},
       {[](Args& a) { a.ku = -3; }, 1, {"** On entry, KU = -3.", "** Constraint: KU >= 0."}},
@@ -155,7 +153,7 @@ TEST(F04bbf, EveryMessage) {
       {[](Args& a) { a.ldb = 2; }, 1, {"** On entry, LDB = 2 and N = 3.", "** Constraint: LDB >= max(1,N)."}},
       {[](Args& a) { a.n = 0; }, 0, {}},
   };
-  for (const Case& k : cases) {
+  for (const auto& k : cases) {
     Args a;
     k.edit(a);
     std::vector<double> ab(12, 0.0), b(3, 1.0);
