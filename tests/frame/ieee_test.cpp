@@ -9,7 +9,9 @@
 #include <csignal>
 #include <cstdint>
 #include <limits>
+#include <memory>
 
+#include "capture_unit.h"
 #include "frame/ieee.h"
 #include "vek.h"
 
@@ -104,6 +106,19 @@ TEST_F(Traps, SetAndReadBack) {
   x07cbf_(off);
   EXPECT_NE(fegetexcept() & FE_UNDERFLOW, 0);
   fedisableexcept(FE_UNDERFLOW);
+}
+
+TEST_F(Traps, TracedCallsDumpTheirThreeElements) {
+  vek_test::UnitCapture cap;
+  const int64_t on = 2, off = 0;
+  auto mode = std::make_unique<int64_t[]>(3);
+  y90gcft_(&on);
+  x07caf_(mode.get());
+  x07cbf_(mode.get());
+  y90gcft_(&off);
+  int count = 0;
+  for (const std::string& line : cap.lines()) count += line.find("EXCEPTIONMODE(3)") != std::string::npos;
+  EXPECT_EQ(count, 3);  // x07caf on exit, x07cbf on entry and on exit
 }
 
 TEST_F(Traps, DivisionByZeroTrapsOnlyWhenEnabled) {

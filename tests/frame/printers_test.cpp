@@ -2,6 +2,7 @@
 // exact read-back of every printed element for every storage scheme, and every message of every routine.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cfloat>
 #include <cmath>
 #include <cstdlib>
@@ -518,6 +519,26 @@ TEST(Printers, EveryMessageOfEveryRoutine) {
     EXPECT_EQ(ifail, 0) << r.name;
     EXPECT_EQ(lines.front(), "Title") << r.name;
   }
+}
+
+// With the trace on, a comprehensive printer dumps its scalars and texts and only the address of its arrays
+// (whose lengths depend on options), then prints as without it.
+TEST(Printers, TracedCallPrintsTheSameTable) {
+  Args g = example_3x4();
+  g.labrow = "C";
+  g.label_len = 3;
+  g.rlabs = "r1 r2 r3 ";
+  const Lines plain = printed("X04CBF", g);
+  const int64_t on = 2, off = 0;
+  y90gcft_(&on);
+  const Lines traced = printed("X04CBF", g);
+  y90gcft_(&off);
+  bool form_shown = false;
+  for (const std::string& line : traced) form_shown = form_shown || line.find("FORM") != std::string::npos;
+  EXPECT_TRUE(form_shown);
+  // The table stands whole between the "On entry" and "On exit" records.
+  EXPECT_NE(std::search(traced.begin(), traced.end(), plain.begin(), plain.end()), traced.end());
+  EXPECT_GT(traced.size(), plain.size());
 }
 
 TEST(Printers, EasyFormsWithoutNoutUseTheAdvisoryUnitAndNegativeUnitsAreSilent) {

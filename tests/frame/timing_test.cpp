@@ -5,9 +5,11 @@
 #include <chrono>
 #include <cmath>
 #include <ctime>
+#include <memory>
 #include <string>
 #include <thread>
 
+#include "capture_unit.h"
 #include "vek.h"
 
 namespace {
@@ -62,6 +64,22 @@ TEST(Timing, ClocksMeasureWorkAndSleep) {
   EXPECT_GE(wall1 - wall0, 0.079);
   EXPECT_LT(wall1 - wall0, 10.0);
   EXPECT_LT(cpu2 - cpu1, 0.04);  // sleeping uses (almost) no processor time
+}
+
+// With the trace on, the wrappers dump ITIME as the 7 integers it is declared with, and no more: the arrays
+// are exactly that long (an address sanitizer build catches any read beyond).
+TEST(Timing, TracedCallsDumpTheirArguments) {
+  vek_test::UnitCapture cap;
+  const int64_t on = 2, off = 0;
+  y90gcft_(&on);
+  auto itime = std::make_unique<int64_t[]>(7);
+  x05aaf_(itime.get());
+  auto text = std::make_unique<char[]>(28);
+  x05abf_(itime.get(), text.get(), 28);
+  y90gcft_(&off);
+  int count = 0;
+  for (const std::string& line : cap.lines()) count += line.find("ITIME(7)") != std::string::npos;
+  EXPECT_EQ(count, 3);  // x05aaf on exit, x05abf on entry and on exit
 }
 
 }  // namespace
