@@ -5,6 +5,7 @@
 #include "linalg/drivers.h"
 
 #include <algorithm>
+#include <new>
 #include <vector>
 
 #include "frame/constants.h"
@@ -15,6 +16,15 @@ namespace vek::linalg {
 namespace {
 
 constexpr char kOneNorm = '1';
+
+// Workspace of per_column * max(n, 1) elements; a size beyond what can be allocated is an allocation
+// failure (std::bad_alloc), never an overflowed count.
+template <class T>
+std::vector<T> workspace(int64_t per_column, int64_t n) {
+  const int64_t columns = std::max<int64_t>(n, 1);
+  if (columns > static_cast<int64_t>(std::vector<T>().max_size()) / per_column) throw std::bad_alloc();
+  return std::vector<T>(static_cast<size_t>(per_column * columns));
+}
 constexpr char kNoTrans = 'N';
 
 char triangle_letter(Triangle t) { return t == Triangle::upper ? 'U' : 'L'; }
@@ -23,8 +33,8 @@ char triangle_letter(Triangle t) { return t == Triangle::upper ? 'U' : 'L'; }
 
 SolveResult solve_general(int64_t n, int64_t nrhs, double* a, int64_t lda, int64_t* ipiv, double* b,
                           int64_t ldb) {
-  std::vector<double> work(static_cast<size_t>(4 * std::max<int64_t>(n, 1)));
-  std::vector<int64_t> iwork(static_cast<size_t>(std::max<int64_t>(n, 1)));
+  std::vector<double> work = workspace<double>(4, n);
+  std::vector<int64_t> iwork = workspace<int64_t>(1, n);
   const double anorm = f06rafn_(&kOneNorm, &n, &n, a, &lda, work.data(), 1);
   SolveResult r;
   int64_t info = 0;
@@ -37,8 +47,8 @@ SolveResult solve_general(int64_t n, int64_t nrhs, double* a, int64_t lda, int64
 
 SolveResult solve_band(int64_t n, int64_t kl, int64_t ku, int64_t nrhs, double* ab, int64_t ldab, int64_t* ipiv,
                        double* b, int64_t ldb) {
-  std::vector<double> work(static_cast<size_t>(3 * std::max<int64_t>(n, 1)));
-  std::vector<int64_t> iwork(static_cast<size_t>(std::max<int64_t>(n, 1)));
+  std::vector<double> work = workspace<double>(3, n);
+  std::vector<int64_t> iwork = workspace<int64_t>(1, n);
   const double anorm = f06rbfn_(&kOneNorm, &n, &kl, &ku, ab + kl, &ldab, work.data(), 1);
   SolveResult r;
   int64_t info = 0;
@@ -50,8 +60,8 @@ SolveResult solve_band(int64_t n, int64_t kl, int64_t ku, int64_t nrhs, double* 
 }
 
 SolveResult solve_spd(Triangle uplo, int64_t n, int64_t nrhs, double* a, int64_t lda, double* b, int64_t ldb) {
-  std::vector<double> work(static_cast<size_t>(3 * std::max<int64_t>(n, 1)));
-  std::vector<int64_t> iwork(static_cast<size_t>(std::max<int64_t>(n, 1)));
+  std::vector<double> work = workspace<double>(3, n);
+  std::vector<int64_t> iwork = workspace<int64_t>(1, n);
   const char ul = triangle_letter(uplo);
   const double anorm = f06rcfn_(&kOneNorm, &ul, &n, a, &lda, work.data(), 1, 1);
   SolveResult r;
@@ -64,7 +74,7 @@ SolveResult solve_spd(Triangle uplo, int64_t n, int64_t nrhs, double* a, int64_t
 }
 
 int64_t invert_general(int64_t n, double* a, int64_t lda) {
-  std::vector<int64_t> ipiv(static_cast<size_t>(std::max<int64_t>(n, 1)));
+  std::vector<int64_t> ipiv = workspace<int64_t>(1, n);
   int64_t info = 0;
   f07adfn_(&n, &n, a, &lda, ipiv.data(), &info);
   if (info > 0) return info;
@@ -72,8 +82,9 @@ int64_t invert_general(int64_t n, double* a, int64_t lda) {
   double query = 0;
   int64_t lwork = -1;
   f07ajfn_(&n, a, &lda, ipiv.data(), &query, &lwork, &info);
-  lwork = std::max<int64_t>(static_cast<int64_t>(query), std::max<int64_t>(n, 1));
-  std::vector<double> work(static_cast<size_t>(lwork));
+  const int64_t block = std::max<int64_t>(static_cast<int64_t>(query) / std::max<int64_t>(n, 1), 1);
+  std::vector<double> work = workspace<double>(block, n);
+  lwork = static_cast<int64_t>(work.size());
   f07ajfn_(&n, a, &lda, ipiv.data(), work.data(), &lwork, &info);
   return info;
 }

@@ -112,6 +112,20 @@ TEST(F04baf, IllConditionedIsAWarningWithTheSolution) {
   EXPECT_GT(c.errbnd, 1.0);
 }
 
+TEST(F04baf, ImpossibleWorkspaceIsAnAllocationFailure) {
+  // Valid arguments for a matrix of 2^62 columns: the workspace cannot exist, and nothing of A is read.
+  GeneralCall c;
+  c.n = c.lda = c.ldb = INT64_C(1) << 62;
+  c.nrhs = 0;
+  ErrorUnitCapture capture;
+  EXPECT_EQ(c.run(), -999);
+  EXPECT_EQ(capture.lines(), report({"** Dynamic memory allocation failed."}, "F04BAF", -999));
+  int64_t n = INT64_C(1) << 62, ifail = 1;
+  double a[1] = {1};
+  f01abf_(&n, a, &n, &ifail);
+  EXPECT_EQ(ifail, -999);
+}
+
 TEST(F04bbf, BandSolutionMatchesTheDenseOne) {
   // A tridiagonal system (KL = KU = 1) solved as a band and as a dense matrix.
   const int64_t n = 30, kl = 1, ku = 1, nrhs = 1, ldab = 2 * kl + ku + 1;
