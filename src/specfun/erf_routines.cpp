@@ -47,7 +47,8 @@ double s15affn_(const double* x, char* errbuf, int64_t* ierr, int64_t errbuf_len
 
 // w(Z) = exp(-Z^2) erfc(-iZ) (faddeeva.cpp): a trapezoidal sum with its pole term near the real axis, Laplace's
 // continued fraction elsewhere, w(z) = 2 exp(-z^2) - w(-z) below the axis. Where exp(-Z^2) overflows (Im Z < 0,
-// Im(Z)^2 - Re(Z)^2 > 709.78) the parts are infinite; a NaN part, or Im Z = -inf, gives NaN parts.
+// Im(Z)^2 - Re(Z)^2 > 709.78) the parts are infinite; a NaN part, Im Z = -inf, or (below the axis) 2 Re Z Im Z
+// beyond the largest double, where the phase of exp(-Z^2) has no value, gives NaN parts.
 vek_complex s15ddfn_(const vek_complex* z, char* errbuf, int64_t* ierr, int64_t errbuf_len) {
   return vek::specfun::licensed_value("S15DDFN", errbuf, errbuf_len, ierr, [&] {
     const std::complex<double> w = vek::specfun::faddeeva({z->re, z->im});

@@ -32,14 +32,17 @@ double exp_minus_square(double u) {
   return std::exp(-s) * (1.0 - std::fma(u, u, -s));
 }
 
-// exp(-z^2) = exp(y^2 - x^2) (cos 2xy - i sin 2xy), with x^2 - y^2 = (x - y)(x + y) and 2xy split exactly.
+// exp(-z^2) = exp(y^2 - x^2) (cos 2xy - i sin 2xy), with x^2 - y^2 = (x - y)(x + y) and 2xy split exactly. A
+// part whose trigonometric factor is zero is zero even where the modulus overflows; where 2xy overflows the
+// phase has no value and the parts are NaN.
 std::complex<double> exp_minus_z_squared(double x, double y) {
   const double modulus = std::exp((y - x) * (x + y));
   if (modulus == 0.0) return {0.0, 0.0};
   const double p = 2.0 * x * y;
   const double e = std::fma(2.0 * x, y, -p);
   const double c = std::cos(p), s = std::sin(p);
-  return {modulus * (c - s * e), -modulus * (s + c * e)};
+  const double re = c - s * e, im = -(s + c * e);
+  return {re == 0.0 ? re : modulus * re, im == 0.0 ? im : modulus * im};
 }
 
 std::complex<double> trapezoid(double x, double y) {

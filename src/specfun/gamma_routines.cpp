@@ -130,7 +130,7 @@ double s14aefn_(const double* x, const int64_t* n, char* errbuf, int64_t* ierr, 
 
 // P(A, X) and Q(A, X) (incomplete_gamma.cpp). A <= 0: IFAIL 1; X < 0: IFAIL 2 (NaN fails these too);
 // IFAIL 3 if an expansion did not converge (possible only for A beyond about 1e11 with X near A), with the
-// last approximations in P and Q.
+// Wilson-Hilferty approximation, of error about 1/A there, in P and Q.
 void s14bafn_(const double* a, const double* x, double* p, double* q, char* errbuf, int64_t* ierr,
               int64_t errbuf_len) {
   vek::frame::ErrorBuffer err(errbuf, errbuf_len, ierr);
@@ -169,7 +169,8 @@ double s14bbfn_(const double* a, const double* p, const double* q, char* errbuf,
 }
 
 // W = I_X(A, B) and W1 = 1 - W (incomplete_beta.cpp). A <= 0: IFAIL 1; B <= 0: IFAIL 2; X outside [0, 1]:
-// IFAIL 3 (NaN fails these too).
+// IFAIL 3 (NaN fails these too); IFAIL 4 when the continued fraction does not converge (parameters near the
+// overflow threshold), with the normal approximation in W and W1.
 void s14ccfn_(const double* a, const double* b, const double* x, double* w, double* w1, char* errbuf,
               int64_t* ierr, int64_t errbuf_len) {
   vek::frame::ErrorBuffer err(errbuf, errbuf_len, ierr);
@@ -180,6 +181,7 @@ void s14ccfn_(const double* a, const double* b, const double* x, double* w, doub
   const vek::specfun::BetaInc r = vek::specfun::beta_inc_pair(*a, *b, *x);
   *w = r.w;
   *w1 = r.w1;
+  if (!r.converged) err.fail(4, 99996, *a, *b, *x);
 }
 
 }  // extern "C"

@@ -50,7 +50,7 @@ double power_terms(double a, double b, double x, double y) {
 }
 
 // I_x(a, b) by the continued fraction, for x below the mean-like point (a + 1)/(a + b + 2).
-double fraction(double a, double b, double x, double y) {
+double fraction(double a, double b, double x, double y, bool& converged) {
   const int limit = static_cast<int>(std::min(1.0e7, 200.0 + 30.0 * std::sqrt(std::max(a, b))));
   const double ab = a + b;
   double c = 1.0;
@@ -58,16 +58,18 @@ double fraction(double a, double b, double x, double y) {
   if (std::fabs(d) < kTinyDenominator) d = kTinyDenominator;
   d = 1.0 / d;
   double h = d;
+  converged = false;
   for (int m = 1; m <= limit; ++m) {
     const double m2 = 2.0 * m;
-    double aa = m * (b - m) * x / ((a - 1.0 + m2) * (a + m2));
+    // The coefficients as products of ratios, so that parameters near the overflow threshold stay finite.
+    double aa = (m / (a + m2)) * ((b - m) / (a - 1.0 + m2)) * x;
     d = 1.0 + aa * d;
     if (std::fabs(d) < kTinyDenominator) d = kTinyDenominator;
     c = 1.0 + aa / c;
     if (std::fabs(c) < kTinyDenominator) c = kTinyDenominator;
     d = 1.0 / d;
     h *= d * c;
-    aa = -(a + m) * (ab + m) * x / ((a + m2) * (a + 1.0 + m2));
+    aa = -((a + m) / (a + m2)) * ((ab + m) / (a + 1.0 + m2)) * x;
     d = 1.0 + aa * d;
     if (std::fabs(d) < kTinyDenominator) d = kTinyDenominator;
     c = 1.0 + aa / c;
@@ -75,29 +77,47 @@ double fraction(double a, double b, double x, double y) {
     d = 1.0 / d;
     const double delta = d * c;
     h *= delta;
-    if (std::fabs(delta - 1.0) <= kEps) break;
+    if (!(std::fabs(delta - 1.0) > kEps)) {  // converged, or NaN, which no further term repairs
+      converged = !std::isnan(h);
+      break;
+    }
   }
   return power_terms(a, b, x, y) * h / a;
+}
+
+// I_x(a, b) ~ Phi((x - mean) / sd) with the mean a/(a + b) and variance mean (1 - mean) / (a + b + 1).
+BetaInc normal_approximation(double a, double b, double x) {
+  const double mean = 1.0 / (1.0 + b / a);
+  const double sd = std::sqrt(mean * (1.0 / (1.0 + a / b))) * std::sqrt(1.0 / (a + b + 1.0));
+  const double z = sd > 0.0 ? (x - mean) / sd : (x > mean ? HUGE_VAL : (x < mean ? -HUGE_VAL : 0.0));
+  return {0.5 * erfc(-z / std::numbers::sqrt2), 0.5 * erfc(z / std::numbers::sqrt2), false};
 }
 
 }  // namespace
 
 BetaInc beta_inc_pair(double a, double b, double x) {
   constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-  if (!(a > 0.0) || !(b > 0.0) || !(x >= 0.0 && x <= 1.0)) return {nan, nan};
-  if (x == 0.0) return {0.0, 1.0};
-  if (x == 1.0) return {1.0, 0.0};
+  if (!(a > 0.0) || !(b > 0.0) || !(x >= 0.0 && x <= 1.0)) return {nan, nan, true};
+  if (x == 0.0) return {0.0, 1.0, true};
+  if (x == 1.0) return {1.0, 0.0, true};
   if (std::isinf(a) || std::isinf(b)) {
-    if (std::isinf(a) && std::isinf(b)) return {nan, nan};
-    return std::isinf(a) ? BetaInc{0.0, 1.0} : BetaInc{1.0, 0.0};
+    if (std::isinf(a) && std::isinf(b)) return {nan, nan, true};
+    return std::isinf(a) ? BetaInc{0.0, 1.0, true} : BetaInc{1.0, 0.0, true};
   }
   const double y = 1.0 - x;
   // The fraction is evaluated on the side where it converges fast; when that side is the larger value (as
   // can happen for small a, b), the other side is evaluated as well.
   const bool lower = x < (a + 1.0) / (a + b + 2.0);
-  const double first = lower ? fraction(a, b, x, y) : fraction(b, a, y, x);
-  const double second = first > 0.5 ? (lower ? fraction(b, a, y, x) : fraction(a, b, x, y)) : 1.0 - first;
-  return lower ? BetaInc{first, second} : BetaInc{second, first};
+  bool converged = true;
+  const double first = lower ? fraction(a, b, x, y, converged) : fraction(b, a, y, x, converged);
+  if (!converged) return normal_approximation(a, b, x);
+  double second = 1.0 - first;
+  if (first > 0.5) {
+    bool other_converged = true;
+    const double other = lower ? fraction(b, a, y, x, other_converged) : fraction(a, b, x, y, other_converged);
+    if (other_converged) second = other;
+  }
+  return lower ? BetaInc{first, second, true} : BetaInc{second, first, true};
 }
 
 double beta_inc(double a, double b, double x) { return beta_inc_pair(a, b, x).w; }

@@ -8,7 +8,9 @@
 //   otherwise        Legendre's continued fraction for Q, evaluated by the modified Lentz method.
 // The prefix x^a e^-x / Gamma(a) is, for a >= 10, sqrt(a / 2pi) exp(-a (u - ln(1+u)) - stirling(a)) with
 // u = (x - a)/a, so the huge a ln x and ln Gamma(a) never meet; below 10 it is formed with pow and exp.
-// Both expansions take O(sqrt(a)) terms when x is near a; the limit below is generous.
+// Both expansions take O(sqrt(a)) terms when x is near a; the limit below is generous. Should it be reached
+// (a beyond about 1e11, x near a), the result is the Wilson-Hilferty approximation P = Phi(z),
+// z = 3 sqrt(a) ((x/a)^(1/3) - 1 + 1/(9a)), whose error is of order 1/a there, flagged as not converged.
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -67,8 +69,8 @@ GammaPQ series_p(double a, double x) {
   for (int n = 1; n <= limit; ++n) {
     term *= x / (a + n);
     sum += term;
-    if (term <= kEps * sum) {
-      converged = true;
+    if (!(term > kEps * sum)) {
+      converged = !std::isnan(sum);
       break;
     }
   }
@@ -93,13 +95,18 @@ GammaPQ fraction_q(double a, double x) {
     d = 1.0 / d;
     const double delta = d * c;
     h *= delta;
-    if (std::fabs(delta - 1.0) <= kEps) {
-      converged = true;
+    if (!(std::fabs(delta - 1.0) > kEps)) {
+      converged = !std::isnan(h);
       break;
     }
   }
   const double q = power_prefix(a, x) * h;
   return {1.0 - q, q, converged};
+}
+
+GammaPQ wilson_hilferty(double a, double x) {
+  const double z = 3.0 * std::sqrt(a) * (std::cbrt(x / a) - 1.0 + 1.0 / (9.0 * a));
+  return {0.5 * erfc(-z / std::numbers::sqrt2), 0.5 * erfc(z / std::numbers::sqrt2), false};
 }
 
 }  // namespace
@@ -111,8 +118,8 @@ GammaPQ gamma_pq(double a, double x) {
   if (std::isinf(a)) return std::isinf(x) ? GammaPQ{nan, nan, true} : GammaPQ{0.0, 1.0, true};
   if (std::isinf(x)) return {1.0, 0.0, true};
   if (a < 1.0 && x < 1.1) return small_a(a, x);
-  if (x < a + 1.0) return series_p(a, x);
-  return fraction_q(a, x);
+  const GammaPQ r = x < a + 1.0 ? series_p(a, x) : fraction_q(a, x);
+  return r.converged ? r : wilson_hilferty(a, x);
 }
 
 double gamma_p(double a, double x) { return gamma_pq(a, x).p; }

@@ -36,10 +36,10 @@ double starting_point(double a, double p, double q) {
 }  // namespace
 
 double gamma_pq_inv(double a, double p, double q) {
-  if (!(a > 0.0) || !(p >= 0.0 && p <= 1.0) || !(q >= 0.0 && q <= 1.0) || std::isinf(a))
+  if (!(a > 0.0) || !(p >= 0.0 && p <= 1.0) || !(q >= 0.0 && q <= 1.0))
     return std::numeric_limits<double>::quiet_NaN();
   if (p == 0.0) return 0.0;
-  if (q == 0.0) return HUGE_VAL;
+  if (q == 0.0 || std::isinf(a)) return HUGE_VAL;
   const bool lower = p <= q;
   const double log_target = std::log(lower ? p : q);
   double x = starting_point(a, p, q);

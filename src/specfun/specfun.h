@@ -20,7 +20,7 @@ double erfc_inv(double q);  // inverse of erfc on [0, 2]: 0 -> +inf, 2 -> -inf, 
 
 // The Faddeeva (scaled complex complementary error) function w(z) = exp(-z^2) erfc(-iz); NaN parts give NaN.
 // Accurate to a few ulps of each part in the upper half-plane; below the real axis w(z) = 2 exp(-z^2) - w(-z)
-// overflows where exp(-z^2) does.
+// overflows where exp(-z^2) does, and is NaN where 2 Re z Im z overflows or Im z = -inf (no limit there).
 std::complex<double> faddeeva(std::complex<double> z);
 
 // Fresnel integrals S(x) = int_0^x sin(pi t^2/2) dt and C(x) = int_0^x cos(pi t^2/2) dt: odd, +-1/2 at +-inf,
@@ -73,24 +73,28 @@ struct GammaPQ {
   double q;
   bool converged;
 };
+// Should an expansion not converge (a beyond about 1e11 with x near a), the Wilson-Hilferty approximation is
+// returned, flagged as not converged.
 GammaPQ gamma_pq(double a, double x);  // a <= 0, x < 0 or NaN -> {NaN, NaN, true}
 double gamma_p(double a, double x);
 double gamma_q(double a, double x);
 // dP/dx = x^(a-1) e^-x / Gamma(a), the gamma density, for a > 0, x > 0 (NaN outside).
 double gamma_p_derivative(double a, double x);
 // The x >= 0 with P(a, x) = p and Q(a, x) = q: the smaller of p and q is matched, so a tail probability keeps
-// its relative accuracy. p + q should be 1; q = 0 gives +inf, p = 0 gives 0. a <= 0, p or q outside [0, 1],
-// or NaN give NaN.
+// its relative accuracy. p + q should be 1; q = 0 or a = +inf gives +inf, p = 0 gives 0. a <= 0, p or q
+// outside [0, 1], or NaN give NaN.
 double gamma_pq_inv(double a, double p, double q);
 
 // Regularised incomplete beta I_x(a, b) and its complement 1 - I_x(a, b), a, b > 0, 0 <= x <= 1.
-// The continued fraction converges within its bound of 200 + 30 sqrt(max(a, b)) terms for every a, b tried up
-// to 1e16; were the bound reached, the last approximation would be returned.
+// Should the continued fraction not converge within 200 + 30 sqrt(max(a, b)) terms (parameters near the
+// overflow threshold), the normal approximation with the beta distribution's mean and variance is returned
+// and flagged as not converged.
 struct BetaInc {
   double w;
   double w1;
+  bool converged;
 };
-BetaInc beta_inc_pair(double a, double b, double x);  // outside the domain or NaN -> {NaN, NaN}
+BetaInc beta_inc_pair(double a, double b, double x);  // outside the domain or NaN -> {NaN, NaN, true}
 double beta_inc(double a, double b, double x);
 
 }  // namespace vek::specfun

@@ -129,10 +129,17 @@ TEST(GammaFamily, EveryMessage) {
                 {" ** On entry, X = 1.5.", " ** Constraint: 0.0 <= X <= 1.0."}, "S14CCF");
 }
 
-TEST(GammaFamily, NonConvergenceOfTheIncompleteGammaIsReported) {
+TEST(GammaFamily, NonConvergenceIsReportedWithTheApproximation) {
   double a = 1e13, x = 1e13, p = 0, q = 0;
   expect_report([&](int64_t* f) { s14baf_(&a, &x, &p, &q, f); }, 3,
                 {" ** The iteration did not converge: A = 1e+13, X = 1e+13."}, "S14BAF");
+  EXPECT_NEAR(p, 0.5, 1e-6);  // the median of the gamma distribution lies a - 1/3 + O(1/a) below a
+  EXPECT_NEAR(p + q, 1.0, 1e-15);
+  double big = 1e300, half = 0.5, w = 0, w1 = 0;
+  expect_report([&](int64_t* f) { s14ccf_(&big, &big, &half, &w, &w1, f); }, 4,
+                {" ** The iteration did not converge: A = 1e+300, B = 1e+300, X = 0.5."}, "S14CCF");
+  EXPECT_EQ(w, 0.5);
+  EXPECT_EQ(w1, 0.5);
 }
 
 TEST(GammaFamily, LogGammaSignAndLogBeta) {
