@@ -1,7 +1,8 @@
 // dgemm and dgetrf through the library's published names against the same operations of OpenBLAS called
 // directly (Debian's shared libopenblas64, loaded in the same process), with 1 and 2 threads, in the same run.
 // Counters: GFLOP/s of each from its fastest call (the machine is shared: the best call is the one least
-// disturbed) and "vs_openblas" = library GFLOP/s / OpenBLAS GFLOP/s (target >= 0.97).
+// disturbed) and "vs_openblas" = library GFLOP/s / OpenBLAS GFLOP/s (target >= 0.97). dgetrf also runs the
+// reference LAPACK (blocked right-looking LU over the same BLAS) when it is installed: "vs_reference".
 // Full sizes are dgemm n = 2000 and dgetrf n = 4000; a short run (--benchmark_min_time below 0.5, as under
 // CTest) uses n = 400 and 800 so that the suite stays quick.
 #include <benchmark/benchmark.h>
@@ -25,23 +26,33 @@ using Dgemm = void (*)(const char*, const char*, const int64_t*, const int64_t*,
                        const int64_t*, int64_t, int64_t);
 using Dgetrf = void (*)(const int64_t*, const int64_t*, double*, const int64_t*, int64_t*, int64_t*);
 
-struct OpenBlas {
-  Dgemm dgemm = nullptr;
-  Dgetrf dgetrf = nullptr;
-};
+// A symbol of a shared library opened with RTLD_DEEPBIND: its internal calls bind to itself, never to the
+// library's exports.
+void* baseline_symbol(const char* path, const char* symbol) {
+  void* h = dlopen(path, RTLD_NOW | RTLD_LOCAL | RTLD_DEEPBIND);
+  if (h == nullptr) throw std::runtime_error(dlerror());
+  void* f = dlsym(h, symbol);
+  if (f == nullptr) throw std::runtime_error(std::string(symbol) + " not in " + path);
+  return f;
+}
 
-// OpenBLAS opened with RTLD_DEEPBIND: its internal calls bind to itself, never to the library's exports.
-const OpenBlas& openblas() {
-  static const OpenBlas blas = [] {
-    void* h = dlopen(VEK_OPENBLAS64_SHARED, RTLD_NOW | RTLD_LOCAL | RTLD_DEEPBIND);
-    if (h == nullptr) throw std::runtime_error(dlerror());
-    OpenBlas b;
-    b.dgemm = reinterpret_cast<Dgemm>(dlsym(h, "dgemm_"));
-    b.dgetrf = reinterpret_cast<Dgetrf>(dlsym(h, "dgetrf_"));
-    if (b.dgemm == nullptr || b.dgetrf == nullptr) throw std::runtime_error("dgemm_/dgetrf_ not in OpenBLAS");
-    return b;
-  }();
-  return blas;
+Dgemm openblas_dgemm() {
+  static const auto f = reinterpret_cast<Dgemm>(baseline_symbol(VEK_OPENBLAS64_SHARED, "dgemm_"));
+  return f;
+}
+
+Dgetrf openblas_dgetrf() {
+  static const auto f = reinterpret_cast<Dgetrf>(baseline_symbol(VEK_OPENBLAS64_SHARED, "dgetrf_"));
+  return f;
+}
+
+Dgetrf reference_dgetrf() {
+#ifdef VEK_REFERENCE_LAPACK64
+  static const auto f = reinterpret_cast<Dgetrf>(baseline_symbol(VEK_REFERENCE_LAPACK64, "dgetrf_"));
+  return f;
+#else
+  return nullptr;
+#endif
 }
 
 std::vector<double> random_matrix(int64_t n, unsigned seed) {
@@ -88,7 +99,7 @@ void BM_Dgemm(benchmark::State& state) {
   const std::vector<double> a = random_matrix(n, 1), b = random_matrix(n, 2);
   std::vector<double> c(static_cast<size_t>(n * n));
   const double alpha = 1, beta = 0;
-  const Dgemm ob = openblas().dgemm;
+  const Dgemm ob = openblas_dgemm();
   auto ours = [&] { dgemm_("N", "N", &n, &n, &n, &alpha, a.data(), &n, b.data(), &n, &beta, c.data(), &n, 1, 1); };
   auto theirs = [&] { ob("N", "N", &n, &n, &n, &alpha, a.data(), &n, b.data(), &n, &beta, c.data(), &n, 1, 1); };
   ours();  // both teams started before timing
@@ -111,14 +122,15 @@ void BM_Dgetrf(benchmark::State& state) {
   std::vector<double> a;
   std::vector<int64_t> ipiv(static_cast<size_t>(n));
   int64_t info = 0;
-  const Dgetrf ob = openblas().dgetrf;
+  const Dgetrf ob = openblas_dgetrf(), ref = reference_dgetrf();
   auto ours = [&] { dgetrf_(&n, &n, a.data(), &n, ipiv.data(), &info); };
   auto theirs = [&] { ob(&n, &n, a.data(), &n, ipiv.data(), &info); };
+  auto reference = [&] { ref(&n, &n, a.data(), &n, ipiv.data(), &info); };
   a = a0;
   ours();
   a = a0;
   theirs();
-  double vek_s = kNotYet, ob_s = kNotYet;
+  double vek_s = kNotYet, ob_s = kNotYet, ref_s = kNotYet;
   for (auto _ : state) {
     a = a0;
     const double s = seconds(ours);
@@ -126,10 +138,18 @@ void BM_Dgetrf(benchmark::State& state) {
     state.SetIterationTime(s);
     a = a0;
     ob_s = std::min(ob_s, seconds(theirs));
+    if (ref != nullptr) {
+      a = a0;
+      ref_s = std::min(ref_s, seconds(reference));
+    }
     benchmark::DoNotOptimize(a.data());
   }
-  const double nd = static_cast<double>(n);
-  report(state, 2.0 / 3.0 * nd * nd * nd, vek_s, ob_s);
+  const double nd = static_cast<double>(n), flops = 2.0 / 3.0 * nd * nd * nd;
+  report(state, flops, vek_s, ob_s);
+  if (ref != nullptr) {
+    state.counters["reference_gflops"] = flops / ref_s * 1e-9;
+    state.counters["vs_reference"] = ref_s / vek_s;
+  }
 }
 
 bool short_run(int argc, char** argv) {
