@@ -166,32 +166,30 @@ def gamma_p_series(a, x):
     return mp.exp(a * mp.log(x) - x - mp.loggamma(a + 1)) * total
 
 
+def gamma_upper(a, x):
+    p = gamma_p_series(a, x)
+    return 1 - p if p < 1 - mp.mpf(10) ** -5 else mp.gammainc(a, x, mp.inf, regularized=True)
+
+
+def sample(rng, add, region, count, log10_a, x_of_a):
+    """count points of a region: a log-uniform over 10^log10_a, then x = x_of_a(a)."""
+    for _ in range(count):
+        a = 10 ** rng.uniform(*log10_a)
+        add(region, a, x_of_a(a))
+
+
 def incomplete_gamma_tables(rng):
     rows = []
 
     def add(region, a, x):
         a, x = d(a), d(x)
-        p = gamma_p_series(a, x)
-        q = 1 - p if p < 0.9 else mp.gammainc(a, x, mp.inf, regularized=True)
-        rows.append((region, (a, x), (p, q)))
+        rows.append((region, (a, x), (gamma_p_series(a, x), gamma_upper(a, x))))
 
-    for _ in range(120):
-        add("small_a", 10 ** rng.uniform(-10, 0), 10 ** rng.uniform(-5, 0.04))
-    for _ in range(150):
-        a = 10 ** rng.uniform(-2, 1)
-        add("moderate", a, a * 10 ** rng.uniform(-2, 1))
-    for _ in range(150):
-        a = 10 ** rng.uniform(1, 4)
-        add("large", a, a * (1 + rng.uniform(-1, 1) * min(4 / mp.sqrt(a), 0.9)))
-    for _ in range(60):
-        a = 10 ** rng.uniform(1, 3)
-        add("tails", a, a * 10 ** rng.uniform(-1, 0.6))
+    sample(rng, add, "small_a", 120, (-10, 0), lambda a: 10 ** rng.uniform(-5, 0.04))
+    sample(rng, add, "moderate", 150, (-2, 1), lambda a: a * 10 ** rng.uniform(-2, 1))
+    sample(rng, add, "large", 150, (1, 4), lambda a: a * (1 + rng.uniform(-1, 1) * min(4 / mp.sqrt(a), 0.9)))
+    sample(rng, add, "tails", 60, (1, 3), lambda a: a * 10 ** rng.uniform(-1, 0.6))
     write("gamma_pq", "P(a, x) and Q(a, x)", rows)
-
-
-def gamma_upper(a, x):
-    p = gamma_p_series(a, x)
-    return 1 - p if p < 1 - mp.mpf(10) ** -5 else mp.gammainc(a, x, mp.inf, regularized=True)
 
 
 def inverse_gamma_tables(rng):
@@ -210,15 +208,9 @@ def inverse_gamma_tables(rng):
             root = mp.findroot(lambda t: gamma_upper(a, t) - q, mp.mpf(x))
         rows.append((region, (a, p, q), (root,)))
 
-    for _ in range(80):
-        a = 10 ** rng.uniform(-3, 0)
-        add("small_a", a, a * 10 ** rng.uniform(-2, 1.3))
-    for _ in range(80):
-        a = 10 ** rng.uniform(0, 3)
-        add("central", a, a * (1 + rng.uniform(-1, 1) * min(3 / mp.sqrt(a), 0.9)))
-    for _ in range(60):
-        a = 10 ** rng.uniform(0, 3)
-        add("tails", a, a * 10 ** rng.uniform(-1.5, 0.5))
+    sample(rng, add, "small_a", 80, (-3, 0), lambda a: a * 10 ** rng.uniform(-2, 1.3))
+    sample(rng, add, "central", 80, (0, 3), lambda a: a * (1 + rng.uniform(-1, 1) * min(3 / mp.sqrt(a), 0.9)))
+    sample(rng, add, "tails", 60, (0, 3), lambda a: a * 10 ** rng.uniform(-1.5, 0.5))
     write("gamma_pq_inv", "x with P(a, x) = p, Q(a, x) = q", rows)
 
 
