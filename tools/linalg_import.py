@@ -273,10 +273,10 @@ class Routine:
         return C_TYPES[self.returns] if self.returns else "void"
 
 
-def blas_args(spec: list[str], prec: str):
+def blas_args(arg_list: list[str], prec: str):
     elem, real = PRECISION[prec]
     args = []
-    for item in spec:
+    for item in arg_list:
         name, t = item.split(":")
         intent = "inout" if "~" in t else "out" if ">" in t else "in"
         code = t.strip("~>*")
@@ -330,7 +330,7 @@ def read_table(header: str):
             sigs[name] = (returns, rest)
         elif key == "blas":
             library, sig, prec, names = words[1], words[2], words[3], words[4:]
-            returns_code, spec = sigs[sig]
+            returns_code, arg_list = sigs[sig]
             for i, published in enumerate(names):
                 p = prec if i == 0 else TWIN[prec]
                 elem, real = PRECISION[p]
@@ -339,7 +339,7 @@ def read_table(header: str):
                 single = " Single precision." if i else ""
                 purpose = f"{kind}: {sentence_case(BLAS_PURPOSE[sig])}{single} " \
                           f"Published as {published.upper()}."
-                routines.append(Routine(library, published, blas_args(spec, p), returns, purpose, library[:3],
+                routines.append(Routine(library, published, blas_args(arg_list, p), returns, purpose, library[:3],
                                         internal=i > 0))
         elif key == "lapack":
             library, published, hand = words[1], words[2], "hand" in words[3:]

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <functional>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -110,6 +111,26 @@ TEST(F04baf, IllConditionedIsAWarningWithTheSolution) {
   EXPECT_EQ(lines[1], " ** is less than machine precision: A is singular to working precision.");
   EXPECT_LT(c.rcond, 0x1p-53);
   EXPECT_GT(c.errbnd, 1.0);
+}
+
+TEST(F04baf, NonFiniteMatrixIsIllConditioned) {
+  for (const double v : {std::nan(""), HUGE_VAL, -HUGE_VAL}) {
+    GeneralCall c;
+    c.a[8] = v;
+    ErrorUnitCapture capture;
+    EXPECT_EQ(c.run(), 3) << v;
+    EXPECT_EQ(c.rcond, 0.0) << v;
+    EXPECT_EQ(c.errbnd, std::numeric_limits<double>::max()) << v;
+    const std::vector<double> spd0 = {4, 2, 0, 2, 5, 1, 0, 1, v};
+    std::vector<double> spd = spd0, b(3, 1.0);
+    const int64_t n = 3, nrhs = 1;
+    double rcond = -1, errbnd = -1;
+    int64_t ifail = 1;
+    f04bdf_("L", &n, &nrhs, spd.data(), &n, b.data(), &n, &rcond, &errbnd, &ifail, 1);
+    // A diagonal of -infinity is a failed Cholesky step; NaN and +infinity pass it.
+    EXPECT_EQ(ifail, v < 0 ? 2 : 3) << v;
+    EXPECT_EQ(rcond, 0.0) << v;
+  }
 }
 
 TEST(F04baf, ImpossibleWorkspaceIsAnAllocationFailure) {
