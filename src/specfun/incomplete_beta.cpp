@@ -122,4 +122,11 @@ BetaInc beta_inc_pair(double a, double b, double x) {
 
 double beta_inc(double a, double b, double x) { return beta_inc_pair(a, b, x).w; }
 
+double beta_inc_derivative(double a, double b, double x) {
+  if (!(a > 0.0) || !(b > 0.0) || !(x > 0.0 && x < 1.0) || std::isinf(a) || std::isinf(b))
+    return std::numeric_limits<double>::quiet_NaN();
+  const double y = 1.0 - x;
+  return power_terms(a, b, x, y) / x / y;
+}
+
 }  // namespace vek::specfun

@@ -96,5 +96,15 @@ struct BetaInc {
 };
 BetaInc beta_inc_pair(double a, double b, double x);  // outside the domain or NaN -> {NaN, NaN, true}
 double beta_inc(double a, double b, double x);
+// dI_x(a, b)/dx = x^(a-1) (1-x)^(b-1) / B(a, b), the beta density, for a, b > 0, 0 < x < 1 (NaN outside).
+double beta_inc_derivative(double a, double b, double x);
+// The x in [0, 1] with I_x(a, b) = p and 1 - I_x(a, b) = q, and y = 1 - x formed without cancellation (the
+// smaller of p and q is matched, so tail quantiles keep their relative accuracy). p = 0 gives x = 0, q = 0
+// gives x = 1; a, b <= 0 or infinite, p or q outside [0, 1], or NaN give NaN.
+struct BetaIncInverse {
+  double x;
+  double y;
+};
+BetaIncInverse beta_inc_inv(double a, double b, double p, double q);
 
 }  // namespace vek::specfun

@@ -214,6 +214,15 @@ TEST(GammaFamily, NonFiniteAndDomainEdges) {
   EXPECT_TRUE(std::isnan(sf::gamma_pq_inv(kNaN, 0.5, 0.5)));
   EXPECT_TRUE(std::isnan(sf::gamma_pq_inv(2.0, kNaN, 0.5)));
   EXPECT_TRUE(std::isnan(sf::beta_inc(1.0, 1.0, kNaN)));
+  const sf::BetaIncInverse at_zero_p = sf::beta_inc_inv(2.0, 3.0, 0.0, 1.0);
+  EXPECT_EQ(at_zero_p.x, 0.0);
+  EXPECT_EQ(at_zero_p.y, 1.0);
+  const sf::BetaIncInverse at_zero_q = sf::beta_inc_inv(2.0, 3.0, 1.0, 0.0);
+  EXPECT_EQ(at_zero_q.x, 1.0);
+  EXPECT_EQ(at_zero_q.y, 0.0);
+  EXPECT_TRUE(std::isnan(sf::beta_inc_inv(kInf, 3.0, 0.5, 0.5).x));
+  EXPECT_TRUE(std::isnan(sf::beta_inc_inv(2.0, 3.0, kNaN, 0.5).y));
+  EXPECT_TRUE(std::isnan(sf::beta_inc_derivative(2.0, 3.0, 1.0)));
   EXPECT_EQ(sf::beta_inc(2.0, 3.0, 0.0), 0.0);
   EXPECT_EQ(sf::beta_inc(2.0, 3.0, 1.0), 1.0);
 }
@@ -232,6 +241,10 @@ TEST(GammaFamily, IdentitiesBetweenFunctions) {
     EXPECT_NEAR(sf::beta_inc(a, 1.0, t) / std::pow(t, a), 1.0, 1e-13) << a << " " << t;
     const sf::BetaInc bi = sf::beta_inc_pair(a, x, t);
     EXPECT_NEAR(bi.w + bi.w1, 1.0, 4e-15);
+    if (bi.w > 1e-300 && bi.w1 > 1e-300) {
+      const sf::BetaIncInverse back = sf::beta_inc_inv(a, x, bi.w, bi.w1);
+      EXPECT_NEAR(bi.w <= bi.w1 ? back.x / t : back.y / (1.0 - t), 1.0, 1e-11) << a << " " << x << " " << t;
+    }
     EXPECT_NEAR(sf::beta_inc(x, a, 1.0 - t), bi.w1, 1e-14 + 1e-12 * bi.w1);
     const double px = 0.1 + 10.0 * t;
     EXPECT_NEAR(sf::polygamma(2, px + 1.0) - sf::polygamma(2, px), 2.0 / (px * px * px), 1e-13 * (1.0 + 2.0 / (px * px * px)));

@@ -214,6 +214,35 @@ def inverse_gamma_tables(rng):
     write("gamma_pq_inv", "x with P(a, x) = p, Q(a, x) = q", rows)
 
 
+def inverse_beta_tables(rng):
+    """Arguments a, b, p, q (doubles); references x and y = 1 - x where the smaller tail equals its value."""
+    rows = []
+
+    def add(region, a, b, x):
+        a, b, x = d(a), d(b), d(x)
+        p = d(mp.betainc(a, b, 0, x, regularized=True))
+        q = d(mp.betainc(a, b, x, 1, regularized=True))
+        if min(p, q) < 2.2250738585072014e-308:  # subnormal targets carry too few digits to invert
+            return
+        if p <= q:
+            root = mp.re(mp.findroot(lambda t: mp.betainc(a, b, 0, t, regularized=True) - p, mp.mpf(x)))
+            rows.append((region, (a, b, p, q), (root, 1 - root)))
+        else:
+            co = mp.re(mp.findroot(lambda t: mp.betainc(b, a, 0, t, regularized=True) - q, 1 - mp.mpf(x)))
+            rows.append((region, (a, b, p, q), (1 - co, co)))
+
+    for _ in range(80):
+        add("small", 10 ** rng.uniform(-1, 1), 10 ** rng.uniform(-1, 1), rng.uniform(0.02, 0.98))
+    for _ in range(60):
+        a, b = 10 ** rng.uniform(1, 2.5), 10 ** rng.uniform(1, 2.5)
+        m = a / (a + b)
+        add("large", a, b, min(max(m + rng.uniform(-1, 1) * 3 * mp.sqrt(m * (1 - m) / (a + b)), 1e-6), 1 - 1e-6))
+    for _ in range(40):
+        n = 10 ** rng.uniform(0, 2.5)
+        add("student", n / 2, 0.5, 10 ** rng.uniform(-3, 0))
+    write("beta_inc_inv", "x and 1 - x with I_x(a, b) = p, 1 - I_x(a, b) = q", rows)
+
+
 def faddeeva(z):
     return mp.exp(-z * z) * mp.erfc(-1j * z)
 
@@ -321,6 +350,7 @@ def main():
     inverse_gamma_tables(rng)
     faddeeva_tables(rng)
     fresnel_tables(rng)
+    inverse_beta_tables(rng)
 
 
 if __name__ == "__main__":
