@@ -169,8 +169,8 @@ double s14bbfn_(const double* a, const double* p, const double* q, char* errbuf,
 }
 
 // W = I_X(A, B) and W1 = 1 - W (incomplete_beta.cpp). A <= 0: IFAIL 1; B <= 0: IFAIL 2; X outside [0, 1]:
-// IFAIL 3 (NaN fails these too); IFAIL 4 when the continued fraction does not converge (parameters near the
-// overflow threshold), with the normal approximation in W and W1.
+// IFAIL 3 (NaN fails these too); IFAIL 4 when the continued fraction does not converge (A and B beyond about
+// 1e16 with X near the mean), with the normal approximation in W and W1.
 void s14ccfn_(const double* a, const double* b, const double* x, double* w, double* w1, char* errbuf,
               int64_t* ierr, int64_t errbuf_len) {
   vek::frame::ErrorBuffer err(errbuf, errbuf_len, ierr);

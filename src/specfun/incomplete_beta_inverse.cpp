@@ -6,8 +6,9 @@
 // quantile z of the target gives w = z sqrt(h + l)/h - (1/(2b-1) - 1/(2a-1)) (l + 5/6 - 2/(3h)),
 // h = 2 / (1/(2a-1) + 1/(2b-1)), l = (z^2 - 3)/6, x = a / (a + b e^(2w)); otherwise, or where that start
 // leaves (0, 1), the inversion of the end behaviour I ~ x^a / (a B) in logarithms. Refinement: Newton's
-// iteration on ln I - ln target, halving toward 0 or 1 whenever a step would leave (0, 1), and moving toward 1
-// while I underflows (x far too small).
+// iteration on ln I - ln target, halving toward 0 or 1 whenever a step would leave (0, 1), moving toward 1
+// while I underflows (x far too small), and stopping when the residual has failed to shrink five times (as for
+// subnormal a or b, where the distribution is a point mass to working precision).
 #include <cmath>
 #include <limits>
 #include <numbers>
@@ -19,6 +20,7 @@ namespace vek::specfun {
 namespace {
 
 constexpr int kMaxIterations = 100;
+constexpr int kMaxStalls = 5;  // steps that did not shrink the residual, for degenerate parameters
 
 double starting_point(double a, double b, double t) {
   const double from_end = std::exp((std::log(t) + std::log(a) + lbeta(a, b)) / a);
@@ -43,7 +45,9 @@ double solve_lower(double a, double b, double t) {
   const double log_t = std::log(t);
   double x = starting_point(a, b, t);
   if (!(x > 0.0 && x < 1.0)) x = 0.5;
-  for (int i = 0; i < kMaxIterations; ++i) {
+  double best_residual = HUGE_VAL;
+  int stalls = 0;
+  for (int i = 0; i < kMaxIterations && stalls < kMaxStalls; ++i) {
     const BetaInc r = beta_inc_pair(a, b, x);
     if (r.w == 0.0) {
       x = 0.5 * (1.0 + x);
@@ -51,7 +55,10 @@ double solve_lower(double a, double b, double t) {
     }
     const double density = beta_inc_derivative(a, b, x);
     if (!r.converged || !(r.w > 0.0) || !(density > 0.0) || std::isinf(density)) break;
-    double next = x - (std::log(r.w) - log_t) * r.w / density;
+    const double residual = std::log(r.w) - log_t;
+    if (std::fabs(residual) < best_residual) best_residual = std::fabs(residual);
+    else ++stalls;
+    double next = x - residual * r.w / density;
     if (!(next > 0.0)) next = 0.5 * x;
     if (!(next < 1.0)) next = 0.5 * (1.0 + x);
     const bool done = std::fabs(next - x) <= 4.0 * vek::constants::eps() * next;

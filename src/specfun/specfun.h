@@ -86,9 +86,9 @@ double gamma_p_derivative(double a, double x);
 double gamma_pq_inv(double a, double p, double q);
 
 // Regularised incomplete beta I_x(a, b) and its complement 1 - I_x(a, b), a, b > 0, 0 <= x <= 1.
-// Should the continued fraction not converge within 200 + 30 sqrt(max(a, b)) terms (parameters near the
-// overflow threshold), the normal approximation with the beta distribution's mean and variance is returned
-// and flagged as not converged.
+// Should the continued fraction not converge within min(1e6, 200 + 30 sqrt(max(a, b))) terms (a and b beyond
+// about 1e16 near the mean), the normal approximation with the beta distribution's mean and variance is
+// returned and flagged as not converged.
 struct BetaInc {
   double w;
   double w1;

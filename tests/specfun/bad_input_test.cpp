@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "specfun/specfun.h"
 #include "vek.h"
 
 namespace {
@@ -114,6 +115,35 @@ TEST(BadInput, EveryRoutineReturnsADocumentedIfail) {
       if (!any_nan && !r.nan_documented(args)) EXPECT_FALSE(std::isnan(value)) << where.str() << ")";
     });
   }
+}
+
+TEST(BadInput, KernelsWithoutAnEntryReturnDefinedValues) {
+  namespace sf = vek::specfun;
+  const std::vector<double> parameters = {kNaN, kInf, 0.0, 5e-324, 1e-300, 0.5, 2.0, 1e12, 1e300};
+  const std::vector<double> probabilities = {kNaN, -0.5, 0.0, 5e-324, 1e-300, 0.5, 1.0, 1.5};
+  for (double a : parameters)
+    for (double b : parameters) {
+      for (double p : probabilities)
+        for (double q : probabilities) {
+          const sf::BetaIncInverse r = sf::beta_inc_inv(a, b, p, q);
+          const bool valid = a > 0 && b > 0 && std::isfinite(a) && std::isfinite(b) && p >= 0 && p <= 1 && q >= 0 && q <= 1;
+          if (valid) {
+            ASSERT_TRUE(r.x >= 0.0 && r.x <= 1.0 && r.y >= 0.0 && r.y <= 1.0) << a << " " << b << " " << p << " " << q;
+          } else {
+            ASSERT_TRUE(std::isnan(r.x) && std::isnan(r.y)) << a << " " << b << " " << p << " " << q;
+          }
+        }
+      for (double x : probabilities) {
+        const double density = sf::beta_inc_derivative(a, b, x);
+        ASSERT_TRUE(std::isnan(density) || density >= 0.0) << a << " " << b << " " << x;
+      }
+    }
+  for (int64_t n : {int64_t{-1}, int64_t{0}, int64_t{171}, int64_t{1} << 62})
+    for (int64_t k : {int64_t{-1}, int64_t{0}, int64_t{3}, int64_t{1} << 61, int64_t{1} << 62}) {
+      const double c = sf::binomial(n, k);
+      ASSERT_TRUE(n < 0 ? std::isnan(c) : c >= 0.0) << n << " " << k;
+      ASSERT_TRUE(n < 0 ? std::isnan(sf::factorial(n)) : sf::factorial(n) >= 1.0) << n;
+    }
 }
 
 }  // namespace
