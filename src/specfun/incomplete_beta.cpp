@@ -23,30 +23,33 @@ constexpr double kTinyDenominator = 1e-300;
 
 // -a D(u), D(u) = u - ln(1 + u), where 1 + u = ratio and a u = a_u: the series where it has no cancellation,
 // else ln(ratio) straight from the arguments (u is useless once 1 + u has lost its digits near u = -1).
-double scaled_log_term(double a, double u, double ratio, double a_u) {
-  const double v = u / (2.0 + u);
-  return std::fabs(v) <= 0.55 ? -a * log1pmx_neg(u) : a * std::log(ratio) - a_u;
+long double scaled_log_term(long double a, long double u, long double ratio, long double a_u) {
+  const long double v = u / (2.0L + u);
+  return std::fabs(v) <= 0.55L ? -a * log1pmx_neg(u) : a * std::log(ratio) - a_u;
 }
 
-// x^a y^b / B(a, b), where x + y = 1 and each of x, y below 1/2 is exact.
+// x^a y^b / B(a, b), where x + y = 1 and each of x, y below 1/2 is exact. Exponents are formed and
+// exponentiated in long double, so their rounding (|exponent| ulps in double) stays below one final rounding.
 double power_terms(double a, double b, double x, double y) {
+  const long double la = a, lb = b, lx = x, ly = y;
   if (a >= 10.0 && b >= 10.0) {
-    const double c = a + b;
-    const double diff = x * b - y * a;  // x c - a = -(y c - b)
-    const double exponent = scaled_log_term(a, diff / a, x * (c / a), diff) +
-                            scaled_log_term(b, -diff / b, y * (c / b), -diff) + stirling_remainder(c) -
-                            stirling_remainder(a) - stirling_remainder(b);
-    return std::sqrt(a / (2.0 * std::numbers::pi) * (b / c)) * std::exp(exponent);
+    const long double c = la + lb;
+    const long double diff = lx * lb - ly * la;  // x c - a = -(y c - b)
+    const long double exponent = scaled_log_term(la, diff / la, lx * (c / la), diff) +
+                                 scaled_log_term(lb, -diff / lb, ly * (c / lb), -diff) +
+                                 stirling_remainder(a + b) - stirling_remainder(a) - stirling_remainder(b);
+    return static_cast<double>(std::sqrt(la / (2.0L * std::numbers::pi_v<long double>) * (lb / c)) *
+                               std::exp(exponent));
   }
   // pow on the exact one of x, y (the one not above 1/2) is correctly rounded within an ulp or so, where
   // exp(a ln x) would turn the rounding of a ln x into |a ln x| ulps.
-  const double log_x = x <= 0.5 ? std::log(x) : std::log1p(-y);
-  const double log_y = y <= 0.5 ? std::log(y) : std::log1p(-x);
-  const double xa = x <= 0.5 ? std::pow(x, a) : std::exp(a * log_x);
-  const double yb = y <= 0.5 ? std::pow(y, b) : std::exp(b * log_y);
+  const long double log_x = x <= 0.5 ? std::log(lx) : std::log1p(-ly);
+  const long double log_y = y <= 0.5 ? std::log(ly) : std::log1p(-lx);
+  const double xa = x <= 0.5 ? std::pow(x, a) : static_cast<double>(std::exp(la * log_x));
+  const double yb = y <= 0.5 ? std::pow(y, b) : static_cast<double>(std::exp(lb * log_y));
   const double direct = xa * yb / (a < 10.0 && b < 10.0 ? beta(a, b) : std::exp(lbeta(a, b)));
   if (direct > 0x1p-1000 && direct < HUGE_VAL) return direct;
-  return std::exp(a * log_x + b * log_y - lbeta(a, b));
+  return static_cast<double>(std::exp(la * log_x + lb * log_y - lbeta(a, b)));
 }
 
 // I_x(a, b) by the continued fraction, for x below the mean-like point (a + 1)/(a + b + 2).
@@ -54,37 +57,39 @@ double fraction(double a, double b, double x, double y, bool& converged) {
   // Near the mean the fraction needs about 4.5 max(a, b)^(1/3) terms (850000 at a = b = 1e16); beyond the
   // bound the normal approximation, whose error (a + b)^(-1/2) is as small as the fraction's there, is used.
   const int limit = static_cast<int>(std::min(1.0e6, 200.0 + 30.0 * std::sqrt(std::max(a, b))));
-  const double ab = a + b;
-  double c = 1.0;
-  double d = (a * y + 1.0 - b * x) / (a + 1.0);  // 1 - (a + b) x / (a + 1) without its cancellation
+  // The recurrences run in long double: near the mean their terms cancel, and the extra 11 bits keep that
+  // cancellation below the final rounding.
+  const long double la = a, lb = b, lx = x, ab = la + lb;
+  long double c = 1.0L;
+  long double d = (la * y + 1.0L - lb * lx) / (la + 1.0L);  // 1 - (a + b) x / (a + 1) without its cancellation
   if (std::fabs(d) < kTinyDenominator) d = kTinyDenominator;
-  d = 1.0 / d;
-  double h = d;
+  d = 1.0L / d;
+  long double h = d;
   converged = false;
   for (int m = 1; m <= limit; ++m) {
-    const double m2 = 2.0 * m;
+    const long double m2 = 2.0L * m;
     // The coefficients as products of ratios, so that parameters near the overflow threshold stay finite.
-    double aa = (m / (a + m2)) * ((b - m) / (a - 1.0 + m2)) * x;
-    d = 1.0 + aa * d;
+    long double aa = (m / (la + m2)) * ((lb - m) / (la - 1.0L + m2)) * lx;
+    d = 1.0L + aa * d;
     if (std::fabs(d) < kTinyDenominator) d = kTinyDenominator;
-    c = 1.0 + aa / c;
+    c = 1.0L + aa / c;
     if (std::fabs(c) < kTinyDenominator) c = kTinyDenominator;
-    d = 1.0 / d;
+    d = 1.0L / d;
     h *= d * c;
-    aa = -((a + m) / (a + m2)) * ((ab + m) / (a + 1.0 + m2)) * x;
-    d = 1.0 + aa * d;
+    aa = -((la + m) / (la + m2)) * ((ab + m) / (la + 1.0L + m2)) * lx;
+    d = 1.0L + aa * d;
     if (std::fabs(d) < kTinyDenominator) d = kTinyDenominator;
-    c = 1.0 + aa / c;
+    c = 1.0L + aa / c;
     if (std::fabs(c) < kTinyDenominator) c = kTinyDenominator;
-    d = 1.0 / d;
-    const double delta = d * c;
+    d = 1.0L / d;
+    const long double delta = d * c;
     h *= delta;
-    if (!(std::fabs(delta - 1.0) > kEps)) {  // converged, or NaN, which no further term repairs
+    if (!(std::fabs(delta - 1.0L) > kEps)) {  // converged, or NaN, which no further term repairs
       converged = !std::isnan(h);
       break;
     }
   }
-  return power_terms(a, b, x, y) * h / a;
+  return power_terms(a, b, x, y) * static_cast<double>(h / la);
 }
 
 // I_x(a, b) ~ Phi((x - mean) / sd) with the mean a/(a + b) and variance mean (1 - mean) / (a + b + 1).

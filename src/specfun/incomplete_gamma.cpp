@@ -28,19 +28,23 @@ constexpr double kTinyDenominator = 1e-300;
 
 int iteration_limit(double a) { return static_cast<int>(std::min(1.0e7, 200.0 + 30.0 * std::sqrt(a))); }
 
-// x^a e^-x / Gamma(a) for a > 0, x > 0.
+// x^a e^-x / Gamma(a) for a > 0, x > 0. The exponent, which reaches several hundred in the tails, is formed
+// and exponentiated in long double, so its rounding stays below one rounding of the double result.
 double power_prefix(double a, double x) {
+  const long double la = a, lx = x;
   if (a >= 10.0) {
-    const double u = (x - a) / a;
-    const double v = u / (2.0 + u);
-    const double exponent = std::fabs(v) <= 0.55 ? -a * log1pmx_neg(u) : a * std::log(x / a) + (a - x);
-    return std::sqrt(a / (2.0 * std::numbers::pi)) * std::exp(exponent - stirling_remainder(a));
+    const long double u = (lx - la) / la;
+    const long double v = u / (2.0L + u);
+    const long double exponent =
+        std::fabs(v) <= 0.55L ? -la * log1pmx_neg(u) : la * std::log(lx / la) + (la - lx);
+    return static_cast<double>(std::sqrt(la / (2.0L * std::numbers::pi_v<long double>)) *
+                               std::exp(exponent - stirling_remainder(a)));
   }
   if (x < 700.0) {
     const double direct = std::pow(x, a) * std::exp(-x) / std::exp(lgamma(a));
     if (direct > 0x1p-1000 && direct < HUGE_VAL) return direct;
   }
-  return std::exp(a * std::log(x) - x - lgamma(a));
+  return static_cast<double>(std::exp(la * std::log(lx) - lx - lgamma(a)));
 }
 
 GammaPQ small_a(double a, double x) {
@@ -61,46 +65,48 @@ GammaPQ small_a(double a, double x) {
   return {p, q, true};
 }
 
+// The series and the fraction run in long double (64-bit significand): their hundreds of roundings for large a
+// then stay below one rounding of the double result.
 GammaPQ series_p(double a, double x) {
   const int limit = iteration_limit(a);
-  double sum = 1.0 / a;
-  double term = sum;
+  long double sum = 1.0L / a;
+  long double term = sum;
   bool converged = false;
   for (int n = 1; n <= limit; ++n) {
-    term *= x / (a + n);
+    term *= x / (static_cast<long double>(a) + n);
     sum += term;
     if (!(term > kEps * sum)) {
       converged = !std::isnan(sum);
       break;
     }
   }
-  const double p = power_prefix(a, x) * sum;
+  const double p = power_prefix(a, x) * static_cast<double>(sum);
   return {p, 1.0 - p, converged};
 }
 
 GammaPQ fraction_q(double a, double x) {
   const int limit = iteration_limit(a);
-  double b = x + 1.0 - a;
-  double c = 1.0 / kTinyDenominator;
-  double d = 1.0 / b;
-  double h = d;
+  long double b = static_cast<long double>(x) + 1.0L - a;
+  long double c = 1.0L / kTinyDenominator;
+  long double d = 1.0L / b;
+  long double h = d;
   bool converged = false;
   for (int i = 1; i <= limit; ++i) {
-    const double an = -i * (i - a);
-    b += 2.0;
+    const long double an = -i * (i - static_cast<long double>(a));
+    b += 2.0L;
     d = an * d + b;
     if (std::fabs(d) < kTinyDenominator) d = kTinyDenominator;
     c = b + an / c;
     if (std::fabs(c) < kTinyDenominator) c = kTinyDenominator;
-    d = 1.0 / d;
-    const double delta = d * c;
+    d = 1.0L / d;
+    const long double delta = d * c;
     h *= delta;
-    if (!(std::fabs(delta - 1.0) > kEps)) {
+    if (!(std::fabs(delta - 1.0L) > kEps)) {
       converged = !std::isnan(h);
       break;
     }
   }
-  const double q = power_prefix(a, x) * h;
+  const double q = power_prefix(a, x) * static_cast<double>(h);
   return {1.0 - q, q, converged};
 }
 
