@@ -16,8 +16,8 @@
 #include <limits>
 #include <numbers>
 
-#include "specfun/log1pmx.h"
 #include "frame/constants.h"
+#include "specfun/log1pmx.h"
 #include "specfun/specfun.h"
 
 namespace vek::specfun {
