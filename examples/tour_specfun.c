@@ -4,7 +4,7 @@
 #include "vek.h"
 
 void tour_specfun(void) {
-  tour_section("Error function and gamma family (s14, s15)");
+  tour_section("Error function, gamma family, Faddeeva and Fresnel (s14, s15, s20)");
   const double xs[] = {-1.0, 0.0, 0.5, 2.0, 5.0};
   for (int i = 0; i < 5; ++i) {
     int64_t ifail = 0;
@@ -25,6 +25,11 @@ void tour_specfun(void) {
   x = 0.3;
   s14ccf_(&a, &b, &x, &w, &w1, &ifail);
   printf("I_0.3(3, 2.5) = %.17g, complement %.17g\n", w, w1);
+  const vek_complex z = {1.0, 0.5};
+  const vek_complex fz = s15ddf_(&z, &ifail);
+  x = 2.0;
+  printf("w(1 + 0.5i) = %.17g %+.17gi, S(2) = %.17g, C(2) = %.17g\n", fz.re, fz.im, s20acf_(&x, &ifail),
+         s20adf_(&x, &ifail));
 
   tour_section("A failure reported with IFAIL = -1 (s14aaf at a pole, X = -3)");
   x = -3.0;
