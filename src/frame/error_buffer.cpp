@@ -3,7 +3,6 @@
 #include <charconv>
 #include <cstring>
 
-#include "frame/licence.h"
 #include "frame/text.h"
 #include "layers/p01.h"
 
@@ -30,17 +29,6 @@ std::string show_value(std::string_view value, int64_t limit, bool keep_leading)
   if (l <= 0) return std::string();
   if (l <= 3) return std::string(static_cast<size_t>(l), '.');
   return std::string(t.substr(0, static_cast<size_t>(l - 3))) + "...";
-}
-
-ErrorBuffer::ErrorBuffer(char* buf, int64_t len, int64_t* ierr) : buf_(buf), len_(len), ierr_(ierr) {
-  *ierr_ = 0;
-  text::assign(buf_, len_, {});
-}
-
-bool ErrorBuffer::licensed(const char* worker) {
-  if (licence::granted(worker)) return true;
-  *ierr_ = kLicenceRefused;
-  return false;
 }
 
 std::string ErrorBuffer::header(int64_t ifail, int64_t msgno, size_t count) {

@@ -6,8 +6,11 @@
 
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
+
+#include "frame/licence.h"
 
 namespace vek::frame {
 
@@ -32,10 +35,19 @@ struct CharValue {
 // The worker's side: clears the buffer and IERR on construction; fail() records the first failure.
 class ErrorBuffer {
  public:
-  ErrorBuffer(char* buf, int64_t len, int64_t* ierr);
+  // Inline, with the usual length as a constant, so that a worker's success path costs a few stores.
+  ErrorBuffer(char* buf, int64_t len, int64_t* ierr) : buf_(buf), len_(len), ierr_(ierr) {
+    *ierr_ = 0;
+    if (len_ == kErrbufLength) std::memset(buf_, ' ', kErrbufLength);
+    else if (len_ > 0) std::memset(buf_, ' ', static_cast<size_t>(len_));
+  }
 
   // The licence gate with the worker's name; on refusal IERR = -399 and false.
-  bool licensed(const char* worker);
+  bool licensed(const char* worker) {
+    if (licence::granted(worker)) [[likely]] return true;
+    *ierr_ = kLicenceRefused;
+    return false;
+  }
 
   template <class... Values>
   void fail(int64_t ifail, int64_t msgno, const Values&... values) {

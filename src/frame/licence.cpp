@@ -1,7 +1,0 @@
-#include "frame/licence.h"
-
-namespace vek::licence {
-
-bool granted(const char*) { return true; }
-
-}  // namespace vek::licence
