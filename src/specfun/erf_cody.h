@@ -7,13 +7,11 @@
 //   set P, y > 4:               erfc(y) = exp(-y^2) / y * (1/sqrt(pi) - w P(w)),  w = 1/y^2
 //
 // exp(-y^2) is formed as exp(-r^2) * exp(-(y - r)(y + r)) with r = aint(16 y)/16: r^2 is exact, so the
-// rounding of y^2 (which exp would magnify by y^2) never enters. exp(-r^2) takes only the 426 values of
-// erf_exp_table.h (correctly rounded), which saves one of the two exponentials.
+// rounding of y^2 (which exp would magnify by y^2) never enters.
 #pragma once
 
+#include <array>
 #include <cmath>
-
-#include "specfun/erf_exp_table.h"
 
 namespace vek::specfun::cody {
 
@@ -50,11 +48,27 @@ inline double set_p(double w) {
   return w * num / den;
 }
 
-// exp(-y^2) for 0 <= y < 26.6 through the split r = aint(16 y)/16.
+// exp(-r^2) for the split points r = k/16 below 26.6 (the largest argument that reaches the split), each
+// computed once by the same exp the formula names: the results are those of calling exp every time.
+inline constexpr int kSplitPoints = 426;
+inline const std::array<double, kSplitPoints>& exp_minus_split_square() {
+  static const std::array<double, kSplitPoints> table = [] {
+    std::array<double, kSplitPoints> t{};
+    for (int k = 0; k < kSplitPoints; ++k) {
+      const double r = k / 16.0;
+      t[static_cast<size_t>(k)] = std::exp(-r * r);
+    }
+    return t;
+  }();
+  return table;
+}
+
+// exp(-y^2) for y >= 0 through the split r = aint(16 y)/16.
 inline double exp_minus_square(double y) {
-  const int k = static_cast<int>(16.0 * y);
-  const double r = k / 16.0;
-  return kExpMinusSquare[k] * std::exp(-(y - r) * (y + r));
+  const double r = std::trunc(16.0 * y) / 16.0;
+  const double head = 16.0 * y < kSplitPoints ? exp_minus_split_square()[static_cast<size_t>(16.0 * r)]
+                                              : std::exp(-r * r);
+  return head * std::exp(-(y - r) * (y + r));
 }
 
 // exp(y^2) erfc(y) for y > 4 (set P).
