@@ -8,6 +8,7 @@ Writes, all committed:
   src/linalg/f06_forward.cpp ...             the workers: each forwards its arguments to the privately linked
                                              OpenBLAS routine (symbols renamed with the prefix vekob_)
   src/linalg/name_map.cpp                    published name -> library name, for the argument-error report
+  src/linalg/openblas_renamed.h              the prototypes of the renamed OpenBLAS routines
 
 The LAPACK prototypes come from Debian's liblapacke-dev (lapack.h): run it again after changing the table,
   python3 tools/linalg_import.py [--lapack-h PATH]
@@ -377,17 +378,23 @@ def emit_decl(chapter: str, routines: list[Routine]) -> str:
     return "\n".join(out) + "\n"
 
 
+def emit_renamed_header(routines: list[Routine]) -> str:
+    out = [f"// {NOTE}",
+           "// The OpenBLAS routines linked privately into the library, under their renamed symbols (prefix vekob_),",
+           "// with the same arguments as the library routines that forward to them.",
+           "#pragma once", "", "#include <cstdint>", "", '#include "vek.h"', "", 'extern "C" {', ""]
+    out += [f"{r.ret()} {PREFIX}{r.published}_({', '.join(r.params())});" for r in routines]
+    out += ["", '}  // extern "C"']
+    return "\n".join(out) + "\n"
+
+
 def emit_forward(chapter: str, routines: list[Routine]) -> str:
     out = [f"// {NOTE}",
            f"// Workers of chapter {chapter.upper()}: each passes its arguments unchanged to the OpenBLAS routine",
            "// linked privately into the library under the prefix vekob_. Illegal arguments are reported by that",
            "// routine through INFO and its argument-error call, which lands in src/linalg/argument_error.cpp.",
-           "#include <cstdint>", "", f'#include "layers/{chapter}.h"', "", 'extern "C" {', ""]
-    for r in routines:
-        if r.hand:
-            continue
-        out.append(f"{r.ret()} {PREFIX}{r.published}_({', '.join(r.params())});")
-    out.append("")
+           "#include <cstdint>", "", f'#include "layers/{chapter}.h"', '#include "linalg/openblas_renamed.h"', "",
+           'extern "C" {', ""]
     for r in routines:
         if r.hand:
             continue
@@ -431,6 +438,7 @@ def main() -> int:
         write(ROOT / "src/exports" / f"{chapter}.decl", emit_decl(chapter, rs))
         write(ROOT / "src/linalg" / f"{chapter}_forward.cpp", emit_forward(chapter, rs))
     write(ROOT / "src/linalg/name_map.cpp", emit_name_map(routines))
+    write(ROOT / "src/linalg/openblas_renamed.h", emit_renamed_header(routines))
     print(f"{len(routines)} published names, {len({r.library for r in routines})} library routines")
     return 0
 

@@ -5,10 +5,12 @@
 // on the team size: for each panel of kPanel columns,
 //   1. the panel is factorised serially (OpenBLAS's recursive LU on one thread),
 //   2. its row interchanges are applied to the columns on its left,
-//   3. the columns on its right are updated in chunks of kChunk columns: interchanges, U12 = L11^-1 A12,
-//      A22 -= L21 U12. The chunks are fixed by the matrix, not by the team; each is computed whole by one thread
-//      (OpenBLAS runs serially inside an active parallel region), so every element sees the same operations in
-//      the same order with 1, 2 or any number of threads.
+//   3. the columns on its right are updated in chunks: interchanges, U12 = L11^-1 A12, A22 -= L21 U12. The
+//      chunks are fixed by the matrix, not by the team (the next panel's columns, then kChunk columns at a
+//      time); each is computed whole by one thread, so every element sees the same operations in the same
+//      order with 1, 2 or any number of threads. The thread that updates the next panel's columns goes on to
+//      factorise that panel while the others finish the update (look-ahead), which keeps the serial panel
+//      work off the critical path.
 // The team is the one x06aaf sets; inside a caller's active parallel region the loop runs on one thread.
 // INFO = i > 0 reports the first exactly zero U(i,i), silently; the factorisation is completed.
 #include <algorithm>
@@ -20,18 +22,7 @@
 #include "layers/f07.h"
 #include "linalg/argument_error.h"
 #include "linalg/lu_factor.h"
-
-extern "C" {
-void vekob_dgetrf_(const int64_t* m, const int64_t* n, double* a, const int64_t* lda, int64_t* ipiv, int64_t* info);
-void vekob_dlaswp_(const int64_t* n, double* a, const int64_t* lda, const int64_t* k1, const int64_t* k2,
-                   const int64_t* ipiv, const int64_t* incx);
-void vekob_dtrsm_(const char* side, const char* uplo, const char* transa, const char* diag, const int64_t* m,
-                  const int64_t* n, const double* alpha, const double* a, const int64_t* lda, double* b,
-                  const int64_t* ldb, int64_t side_len, int64_t uplo_len, int64_t transa_len, int64_t diag_len);
-void vekob_dgemm_(const char* transa, const char* transb, const int64_t* m, const int64_t* n, const int64_t* k,
-                  const double* alpha, const double* a, const int64_t* lda, const double* b, const int64_t* ldb,
-                  const double* beta, double* c, const int64_t* ldc, int64_t transa_len, int64_t transb_len);
-}
+#include "linalg/openblas_renamed.h"
 
 namespace vek::linalg {
 namespace {

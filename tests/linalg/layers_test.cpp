@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "frame/capture_unit.h"
+#include "error_unit_capture.h"
 #include "test_matrices.h"
 #include "vek.h"
 
@@ -56,14 +56,14 @@ TEST(Layers, OnlyTheLibraryNameIsTraced) {
   int64_t info = -1;
   std::vector<std::string> published, library;
   {
-    vek_test::UnitCapture capture;
+    ErrorUnitCapture capture;
     y90gcft_(&one);
     dgetrf_(&n, &n, a.data(), &n, ipiv.data(), &info);
     y90gcft_(&off);
     published = capture.lines();
   }
   {
-    vek_test::UnitCapture capture;
+    ErrorUnitCapture capture;
     y90gcft_(&one);
     f07adf_(&n, &n, a2.data(), &n, ipiv.data(), &info);
     y90gcft_(&off);
