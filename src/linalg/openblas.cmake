@@ -21,7 +21,9 @@ add_custom_command(
   COMMENT "Renaming the OpenBLAS archive's symbols (vekob_)"
   VERBATIM)
 add_custom_target(vek_openblas DEPENDS ${VEK_OPENBLAS_RENAMED})
-add_dependencies(vek_objects vek_openblas)
+# Only the links wait for the renamed archive; the library's sources compile meanwhile.
+add_dependencies(vek vek_openblas)
+add_dependencies(vek_static vek_openblas)
 
 target_link_libraries(vek_objects PUBLIC ${VEK_OPENBLAS_RENAMED} ${VEK_GFORTRAN_LIBRARY} OpenMP::OpenMP_CXX m)
 # In a static link the archive's calls of its error hook must find the library's (src/linalg/argument_error.cpp).
