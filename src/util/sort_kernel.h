@@ -134,12 +134,11 @@ void quicksort(T* a, int64_t lo, int64_t hi, Less less) {
   detail::insertion_pass(a, lo, hi, less);
 }
 
-// Merges the sorted runs a[lo..mid] and a[mid+1..hi]: the left run is copied to work[lo..mid], then taken
-// while it is not greater than the right run's head, so equal keys keep their order.
+// Merges the sorted runs a[lo..mid] and a[mid+1..hi] back into a, the left run having been copied to
+// work[lo..mid]: the copy is taken while it is not greater than the right run's head, so equal keys keep
+// their order.
 template <class T, class Less>
-void merge_runs(T* a, T* work, int64_t lo, int64_t mid, int64_t hi, Less less) {
-  if (mid < lo || mid >= hi || !less(a[mid + 1], a[mid])) return;
-  std::copy(a + lo, a + mid + 1, work + lo);
+void merge_copied_run(T* a, const T* work, int64_t lo, int64_t mid, int64_t hi, Less less) {
   int64_t l = lo, r = mid + 1, out = lo;
   // Select rather than branch: on random data the branch would be mispredicted half the time.
   while (l <= mid && r <= hi) {

@@ -1,4 +1,4 @@
-// Makes the library's non-throwing array allocations fail while an AllocationFailure is alive, to drive the
+// Makes the library's non-throwing array allocations (plain and aligned) fail while an AllocationFailure is alive, to drive the
 // paths that must cope without workspace.
 #pragma once
 
