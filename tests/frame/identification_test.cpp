@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "capture_unit.h"
+#include "support/unit_capture.h"
 #include "vek.h"
 
 namespace {
@@ -16,7 +16,7 @@ namespace {
 using Lines = std::vector<std::string>;
 
 Lines banner() {
-  vek_test::UnitCapture cap;
+  vek::testing::UnitCapture cap;
   a00aaf_();
   return cap.lines();
 }

@@ -11,7 +11,7 @@
 #include <limits>
 #include <memory>
 
-#include "capture_unit.h"
+#include "support/unit_capture.h"
 #include "frame/ieee.h"
 #include "vek.h"
 
@@ -109,7 +109,7 @@ TEST_F(Traps, SetAndReadBack) {
 }
 
 TEST_F(Traps, TracedCallsDumpTheirThreeElements) {
-  vek_test::UnitCapture cap;
+  vek::testing::UnitCapture cap;
   const int64_t on = 2, off = 0;
   auto mode = std::make_unique<int64_t[]>(3);
   y90gcft_(&on);

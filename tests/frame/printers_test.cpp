@@ -11,13 +11,13 @@
 #include <string>
 #include <vector>
 
-#include "capture_unit.h"
+#include "support/unit_capture.h"
 #include "frame/printers_format.h"
 #include "vek.h"
 
 namespace {
 
-using vek_test::UnitCapture;
+using vek::testing::UnitCapture;
 using Lines = std::vector<std::string>;
 
 enum class Kind { general, packed, band };

@@ -9,7 +9,7 @@
 #include <string>
 #include <thread>
 
-#include "capture_unit.h"
+#include "support/unit_capture.h"
 #include "vek.h"
 
 namespace {
@@ -69,7 +69,7 @@ TEST(Timing, ClocksMeasureWorkAndSleep) {
 // With the trace on, the wrappers dump ITIME as the 7 integers it is declared with, and no more: the arrays
 // are exactly that long (an address sanitizer build catches any read beyond).
 TEST(Timing, TracedCallsDumpTheirArguments) {
-  vek_test::UnitCapture cap;
+  vek::testing::UnitCapture cap;
   const int64_t on = 2, off = 0;
   y90gcft_(&on);
   auto itime = std::make_unique<int64_t[]>(7);

@@ -10,7 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include "error_unit_capture.h"
+#include "support/unit_capture.h"
 #include "test_matrices.h"
 #include "vek.h"
 
@@ -63,7 +63,7 @@ TEST(F04baf, SolvesAndEstimatesTheCondition) {
   c.a = a0;
   c.b = times(a0, n, x0, nrhs);
   c.ipiv.resize(n);
-  ErrorUnitCapture capture;
+  vek::testing::UnitCapture capture;
   EXPECT_EQ(c.run(), 0);
   EXPECT_TRUE(capture.lines().empty());
   EXPECT_GT(c.rcond, 0.1) << "a diagonally dominant matrix is well conditioned";
@@ -92,7 +92,7 @@ TEST(F04baf, EveryMessage) {
   for (const auto& k : cases) {
     GeneralCall c;
     k.edit(c);
-    ErrorUnitCapture capture;
+    vek::testing::UnitCapture capture;
     EXPECT_EQ(c.run(), k.ifail);
     EXPECT_EQ(capture.lines(), report(k.message, "F04BAF", k.ifail));
   }
@@ -101,7 +101,7 @@ TEST(F04baf, EveryMessage) {
 TEST(F04baf, IllConditionedIsAWarningWithTheSolution) {
   GeneralCall c;
   c.a = {1, 1, 0, 1, 1 + 0x1p-52, 0, 0, 0, 1};  // rows 1 and 2 differ by one unit in the last place
-  ErrorUnitCapture capture;
+  vek::testing::UnitCapture capture;
   EXPECT_EQ(c.run(), 3);
   const std::vector<std::string> lines = capture.lines();
   ASSERT_EQ(lines.size(), 4u);
@@ -117,7 +117,7 @@ TEST(F04baf, NonFiniteMatrixIsIllConditioned) {
   for (const double v : {std::nan(""), HUGE_VAL, -HUGE_VAL}) {
     GeneralCall c;
     c.a[8] = v;
-    ErrorUnitCapture capture;
+    vek::testing::UnitCapture capture;
     EXPECT_EQ(c.run(), 3) << v;
     EXPECT_EQ(c.rcond, 0.0) << v;
     EXPECT_EQ(c.errbnd, std::numeric_limits<double>::max()) << v;
@@ -138,7 +138,7 @@ TEST(F04baf, ImpossibleWorkspaceIsAnAllocationFailure) {
   GeneralCall c;
   c.n = c.lda = c.ldb = INT64_C(1) << 62;
   c.nrhs = 0;
-  ErrorUnitCapture capture;
+  vek::testing::UnitCapture capture;
   EXPECT_EQ(c.run(), -999);
   EXPECT_EQ(capture.lines(), report({"** Dynamic memory allocation failed."}, "F04BAF", -999));
   int64_t n = INT64_C(1) << 62, ifail = 1;
@@ -196,7 +196,7 @@ TEST(F04bbf, EveryMessage) {
     std::vector<int64_t> ipiv(3);
     double rcond = 0, errbnd = 0;
     int64_t ifail = -1;
-    ErrorUnitCapture capture;
+    vek::testing::UnitCapture capture;
     f04bbf_(&a.n, &a.kl, &a.ku, &a.nrhs, ab.data(), &a.ldab, ipiv.data(), b.data(), &a.ldb, &rcond, &errbnd, &ifail);
     EXPECT_EQ(ifail, k.ifail);
     if (k.ifail == 0) {
@@ -239,7 +239,7 @@ TEST(F04bdf, SolvesWithEitherTriangleAndReportsEveryMessage) {
     std::vector<double> a = k.a, b(3, 1.0);
     double rcond = 0, errbnd = 0;
     int64_t ifail = -1;
-    ErrorUnitCapture capture;
+    vek::testing::UnitCapture capture;
     f04bdf_(k.uplo, &k.n, &k.nrhs, a.data(), &k.lda, b.data(), &k.ldb, &rcond, &errbnd, &ifail, 1);
     EXPECT_EQ(ifail, k.ifail);
     EXPECT_EQ(capture.lines(), report(k.message, "F04BDF", k.ifail));
@@ -274,7 +274,7 @@ TEST(F01abf, InverseAndEveryMessage) {
   for (const Case& k : cases) {
     std::vector<double> a = k.a;
     int64_t f = -1;
-    ErrorUnitCapture capture;
+    vek::testing::UnitCapture capture;
     f01abf_(&k.n, a.data(), &k.lda, &f);
     EXPECT_EQ(f, k.ifail);
     EXPECT_EQ(capture.lines(), report(k.message, "F01ABF", k.ifail));
@@ -282,7 +282,7 @@ TEST(F01abf, InverseAndEveryMessage) {
   // IFAIL = 1 on entry: the same failure, silently.
   std::vector<double> singular = {1, 2, 2, 4};
   int64_t two = 2, quiet = 1;
-  ErrorUnitCapture capture;
+  vek::testing::UnitCapture capture;
   f01abf_(&two, singular.data(), &two, &quiet);
   EXPECT_EQ(quiet, 2);
   EXPECT_TRUE(capture.lines().empty());

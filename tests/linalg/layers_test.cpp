@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "error_unit_capture.h"
+#include "support/unit_capture.h"
 #include "test_matrices.h"
 #include "vek.h"
 
@@ -56,14 +56,14 @@ TEST(Layers, OnlyTheLibraryNameIsTraced) {
   int64_t info = -1;
   std::vector<std::string> published, library;
   {
-    ErrorUnitCapture capture;
+    vek::testing::UnitCapture capture;
     y90gcft_(&one);
     dgetrf_(&n, &n, a.data(), &n, ipiv.data(), &info);
     y90gcft_(&off);
     published = capture.lines();
   }
   {
-    ErrorUnitCapture capture;
+    vek::testing::UnitCapture capture;
     y90gcft_(&one);
     f07adf_(&n, &n, a2.data(), &n, ipiv.data(), &info);
     y90gcft_(&off);

@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include "error_unit_capture.h"
+#include "support/unit_capture.h"
 #include "linalg/name_map.h"
 #include "test_matrices.h"
 #include "vek.h"
@@ -29,7 +29,7 @@ TEST(PublishedNames, DgetrfAndF07adfGiveIdenticalFactors) {
     }
     std::vector<int64_t> p1(static_cast<size_t>(std::min(m, n)), -7), p2 = p1;
     int64_t info1 = 99, info2 = 99;
-    ErrorUnitCapture capture;
+    vek::testing::UnitCapture capture;
     dgetrf_(&m, &n, a1.data(), &lda, p1.data(), &info1);
     f07adf_(&m, &n, a2.data(), &lda, p2.data(), &info2);
     EXPECT_TRUE(capture.lines().empty()) << "a computational failure prints nothing";
@@ -119,7 +119,7 @@ TEST(PublishedNames, IllegalArgumentsReportBothNames) {
   };
   for (const Case& c : cases) {
     info = 12345;
-    ErrorUnitCapture capture;
+    vek::testing::UnitCapture capture;
     c.call();
     const std::vector<std::string> lines = capture.lines();
     if (c.expected_info != 0) EXPECT_EQ(info, c.expected_info) << c.label;

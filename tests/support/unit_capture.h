@@ -1,9 +1,11 @@
-// Captures the records a routine writes on a unit: opens a file on a spare unit number with x04acf and
-// points the advisory (or error) unit at it; lines() closes the file and returns its records. The units are
-// restored when the capture ends.
+// Captures the records a routine writes on the advisory and error units: opens a file on a spare unit number
+// with x04acf and points both units at it, as a user would redirect them; lines() closes the file and returns
+// its records. The units are restored when the capture ends. The file name holds the process id, since CTest
+// runs test cases as separate processes side by side.
 #pragma once
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <fstream>
@@ -12,13 +14,14 @@
 
 #include "vek.h"
 
-namespace vek_test {
+namespace vek::testing {
 
 class UnitCapture {
  public:
   static constexpr int64_t kUnit = 71;
 
-  UnitCapture() : path_(::testing::TempDir() + "vek_unit_capture_" + std::to_string(counter()++) + ".txt") {
+  UnitCapture() : path_(::testing::TempDir() + "vek_unit_capture_" + std::to_string(getpid()) + "_" +
+              std::to_string(counter()++) + ".txt") {
     const int64_t mode = 1;
     int64_t ifail = 1;
     x04acf_(&kUnit, path_.c_str(), &mode, &ifail, static_cast<int64_t>(path_.size()));
@@ -65,4 +68,4 @@ class UnitCapture {
   bool closed_ = false;
 };
 
-}  // namespace vek_test
+}  // namespace vek::testing
