@@ -14,7 +14,7 @@
 
 #include "specfun/erf_cody.h"
 #include "specfun/specfun.h"
-#include "report.h"
+#include "support/report.h"
 #include "support/capture.h"
 #include "vek.h"
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "report.h"
+#include "support/report.h"
 #include "specfun/specfun.h"
 #include "vek.h"
 
