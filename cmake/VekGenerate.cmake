@@ -5,7 +5,8 @@
 function(vek_generate)
   cmake_parse_arguments(GEN "" "OUTDIR;SOURCES_VAR" "DECLS" ${ARGN})
   set(generator ${PROJECT_SOURCE_DIR}/tools/vekgen.py)
-  set(outputs ${GEN_OUTDIR}/include/vek_routines.h ${GEN_OUTDIR}/vek.map)
+  set(outputs ${GEN_OUTDIR}/include/vek_routines.h ${GEN_OUTDIR}/vek.map ${GEN_OUTDIR}/forwarded.h
+              ${GEN_OUTDIR}/published_names.inc)
   set(sources "")
   foreach(decl IN LISTS GEN_DECLS)
     get_filename_component(chapter ${decl} NAME_WE)

@@ -61,6 +61,7 @@ class Routine:
     ifail: bool = False
     returns: str | None = None
     purpose: str = ""
+    forwards: str | None = None  # the worker passes its arguments unchanged to this symbol of a dependency
     args: list[Arg] = field(default_factory=list)
     messages: list[Message] = field(default_factory=list)
 
@@ -177,6 +178,10 @@ def parse_chapter(path: Path) -> Chapter:
             current = None
         elif current is None:
             raise DeclError(f"{where}: '{key}' outside a routine")
+        elif key == "forwards":
+            if len(rest) != 1:
+                raise DeclError(f"{where}: 'forwards SYMBOL'")
+            current.forwards = rest[0]
         elif key in INTENTS:
             if len(rest) != 2:
                 raise DeclError(f"{where}: '{key} NAME TYPE'")
@@ -310,7 +315,7 @@ def emit_messages(r: Routine) -> list[str]:
 
 def emit_layers(chapter: Chapter, routines_by_symbol: dict) -> str:
     out = [f"// {HEADER_NOTE}", f"// Chapter {chapter.name}: entry layers, trace wrappers, dispatch stubs.",
-           "#include <cstdint>", "#include <span>", f'#include "layers/{chapter.name}.h"', '#include "frame/entry.h"',
+           "#include <cstdint>", "#include <span>", f'#include "layers/{chapter.name}.h"', '#include "forwarded.h"', '#include "frame/entry.h"',
            '#include "frame/trace.h"', ""]
     routines = [r for r in chapter.routines if r.kind == "routine"]
     ifail_routines = [r for r in routines if r.ifail]
@@ -320,6 +325,11 @@ def emit_layers(chapter: Chapter, routines_by_symbol: dict) -> str:
             out += emit_messages(r)
         out += ["}  // namespace", ""]
     out.append('extern "C" {')
+    for r in chapter.routines:
+        if r.forwards:
+            worker = f"{r.name}n_" if r.kind == "routine" else f"{r.name}_"
+            out.append(f"{r.ret_type()} {worker}({', '.join(r.worker_params())}) "
+                       f"{{ return {r.forwards}_({r.worker_call()}); }}")
     for r in routines:
         out.append("")
         out += emit_entry(r)
@@ -426,6 +436,25 @@ def emit_doc(ch: Chapter) -> str:
     return "\n".join(out)
 
 
+def emit_forwarded_header(chapters: list[Chapter]) -> str:
+    out = [f"// {HEADER_NOTE}", "// The routines of privately linked dependencies that workers forward to (hidden from users).",
+           "#pragma once", '#include "vek.h"', "", 'extern "C" {']
+    seen = set()
+    for ch in chapters:
+        for r in ch.routines:
+            if r.forwards and r.forwards not in seen:
+                seen.add(r.forwards)
+                out.append(f"{r.ret_type()} {r.forwards}_({', '.join(r.worker_params()) or 'void'});")
+    out.append('}  // extern "C"')
+    return "\n".join(out) + "\n"
+
+
+def emit_published_table(chapters: list[Chapter]) -> str:
+    """Rows {"DGETRF", "F07ADF"}: each published name and its library routine, sorted by published name."""
+    pairs = sorted((p.name.upper(), p.target[:5].upper() + "F") for ch in chapters for p in ch.published)
+    return f"// {HEADER_NOTE}\n" + "".join(f'{{"{p}", "{l}"}},\n' for p, l in pairs)
+
+
 def write_if_changed(path: Path, text: str):
     path.parent.mkdir(parents=True, exist_ok=True)
     if not path.exists() or path.read_text() != text:
@@ -466,6 +495,8 @@ def main(argv=None) -> int:
         write_if_changed(out / "layers" / f"{ch.name}.h", emit_layers_header(ch))
     write_if_changed(out / "include" / "vek_routines.h", emit_public_header(chapters, targets))
     write_if_changed(out / "vek.map", emit_map(chapters))
+    write_if_changed(out / "forwarded.h", emit_forwarded_header(chapters))
+    write_if_changed(out / "published_names.inc", emit_published_table(chapters))
     (out / "generated.stamp").write_text("")
     return 0
 

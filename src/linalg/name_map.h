@@ -1,4 +1,4 @@
-// The published BLAS/LAPACK names and the library routines behind them (generated table, name_map.cpp), for
+// The published BLAS/LAPACK names and the library routines behind them (a table generated from the declarations), for
 // the argument-error report "F07ADF/DGETRF".
 #pragma once
 
