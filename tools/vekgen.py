@@ -30,19 +30,53 @@ class DeclError(Exception):
 
 
 @dataclass
+class Callback:
+    returns: str | None
+    adapter: str  # the adapter is the exported symbol <routine>_<adapter>_
+    params: list["Arg"] = field(default_factory=list)
+
+
+@dataclass
 class Arg:
     name: str
     intent: str
     base: str
     length: str | None  # None: scalar; "*": array of unknown length; else a C++ expression over arguments
+    owner: str = ""     # the routine, for the names of a callback's types
+    callback: Callback | None = None
 
     @property
     def param(self) -> str:
         return self.name.lower()
 
+    @property
+    def fn_type(self) -> str:
+        return f"vek_{self.owner}_{self.param}_fn"
+
+    @property
+    def adapter_type(self) -> str:
+        return f"vek_{self.owner}_{self.param}_adapter"
+
+    @property
+    def adapter_symbol(self) -> str:
+        return f"{self.owner}_{self.callback.adapter}_"
+
     def decl(self) -> str:
+        if self.callback:
+            return f"{self.fn_type} {self.param}"
         const = "const " if self.intent == "in" else ""
         return f"{const}{C_TYPES[self.base]}* {self.param}"
+
+    def worker_decls(self) -> list[str]:
+        """A user function reaches the worker as its adapter followed by the function itself."""
+        if self.callback:
+            return [f"{self.adapter_type} {self.param}_adapter", self.decl()]
+        return [self.decl()]
+
+    def worker_names(self, from_entry: bool) -> list[str]:
+        if self.callback:
+            return [self.adapter_symbol if from_entry else f"{self.param}_adapter", self.param]
+        return [self.param]
 
 
 @dataclass
@@ -70,7 +104,7 @@ class Routine:
         return [a for a in self.args if a.base == "char"]
 
     def worker_params(self) -> list[str]:
-        params = [a.decl() for a in self.args]
+        params = [d for a in self.args for d in a.worker_decls()]
         if self.ifail:
             params += ["char* errbuf", "int64_t* ierr"]
         params += [f"int64_t {a.param}_len" for a in self.char_args]
@@ -80,8 +114,8 @@ class Routine:
             params = ["char* result", "int64_t result_len"] + params
         return params
 
-    def worker_call(self, errbuf="errbuf", ierr="ierr", errbuf_len="errbuf_len") -> str:
-        names = [a.param for a in self.args]
+    def worker_call(self, errbuf="errbuf", ierr="ierr", errbuf_len="errbuf_len", from_entry=False) -> str:
+        names = [n for a in self.args for n in a.worker_names(from_entry)]
         if self.ifail:
             names += [errbuf, ierr]
         names += [f"{a.param}_len" for a in self.char_args]
@@ -178,6 +212,24 @@ def parse_chapter(path: Path) -> Chapter:
             current = None
         elif current is None:
             raise DeclError(f"{where}: '{key}' outside a routine")
+        elif key == "callback":
+            # callback NAME [returns TYPE] adapter SUFFIX, then its arguments as 'param INTENT NAME TYPE' lines
+            if len(rest) < 3 or "adapter" not in rest or rest.index("adapter") + 2 != len(rest):
+                raise DeclError(f"{where}: 'callback NAME [returns TYPE] adapter SUFFIX'")
+            returns = rest[2] if rest[1] == "returns" else None
+            if returns is not None and returns not in C_TYPES or returns == "char":
+                raise DeclError(f"{where}: a user function returns a number or nothing")
+            name = rest[0].upper()
+            if any(a.name == name for a in current.args):
+                raise DeclError(f"{where}: argument {name} declared twice")
+            current.args.append(Arg(name, "in", "callback", None, current.name, Callback(returns, rest[-1])))
+        elif key == "param":
+            if not current.args or not current.args[-1].callback or len(rest) != 3 or rest[0] not in INTENTS:
+                raise DeclError(f"{where}: 'param INTENT NAME TYPE' follows a callback")
+            base, length = parse_type(rest[2], where)
+            if base == "char":
+                raise DeclError(f"{where}: user functions take no character arguments")
+            current.args[-1].callback.params.append(Arg(rest[1].upper(), rest[0], base, length))
         elif key == "forwards":
             if len(rest) != 1:
                 raise DeclError(f"{where}: 'forwards SYMBOL'")
@@ -236,6 +288,8 @@ def length_expr(r: Routine, expr: str) -> str:
 
 def dump_line(r: Routine, a: Arg) -> str:
     p, label = a.param, c_string(a.name)
+    if a.callback:
+        return f"trace_rec.address({label}, reinterpret_cast<const void*>({p}));"
     if a.base == "char":
         if a.length is None:
             return f"trace_rec.text({label}, {p}, {p}_len);"
@@ -284,16 +338,37 @@ def emit_trace_wrapper(r: Routine) -> list[str]:
     return out
 
 
+def callback_signature(a: Arg) -> tuple[str, list[str]]:
+    """The user function's result type and parameters."""
+    ret = C_TYPES[a.callback.returns] if a.callback.returns else "void"
+    return ret, [p.decl() for p in a.callback.params]
+
+
+def emit_callback_types(a: Arg) -> list[str]:
+    ret, params = callback_signature(a)
+    with_fn = [f"{a.fn_type} f"] + params
+    return [f"typedef {ret} (*{a.fn_type})({', '.join(params) or 'void'});",
+            f"typedef {ret} (*{a.adapter_type})({', '.join(with_fn)});",
+            f"VEK_API {ret} {a.adapter_symbol}({', '.join(with_fn)});"]
+
+
+def emit_adapter(a: Arg) -> str:
+    """Calls the user function with the remaining arguments shifted down by one; adds nothing else."""
+    ret, params = callback_signature(a)
+    names = ", ".join(p.param for p in a.callback.params)
+    return f"{ret} {a.adapter_symbol}({', '.join([f'{a.fn_type} f'] + params)}) {{ return f({names}); }}"
+
+
 def emit_entry(r: Routine) -> list[str]:
     name = r.name
     params = ", ".join(r.entry_params())
     if not r.ifail:
-        call = f"{name}t_({r.worker_call()})"
+        call = f"{name}t_({r.worker_call(from_entry=True)})"
         return [f"{r.ret_type()} {name}_({params}) {{ return {call}; }}"]
     out = [f"{r.ret_type()} {name}_({params}) {{",
            f"  char errbuf[{ERRBUF_LENGTH}];",
            "  int64_t ierr;"]
-    call = f"{name}t_({r.worker_call(errbuf='errbuf', ierr='&ierr', errbuf_len=str(ERRBUF_LENGTH))})"
+    call = f"{name}t_({r.worker_call(errbuf='errbuf', ierr='&ierr', errbuf_len=str(ERRBUF_LENGTH), from_entry=True)})"
     if r.returns:
         out.append(f"  const {r.ret_type()} value = {call};")
     else:
@@ -332,6 +407,7 @@ def emit_layers(chapter: Chapter, routines_by_symbol: dict) -> str:
                        f"{{ return {r.forwards}_({r.worker_call()}); }}")
     for r in routines:
         out.append("")
+        out += [emit_adapter(a) for a in r.args if a.callback]
         out += emit_entry(r)
         out += emit_trace_wrapper(r)
         out.append(f"{r.ret_type()} {r.name}v_({', '.join(r.worker_params())}) "
@@ -367,6 +443,10 @@ def doc_comment(r: Routine) -> list[str]:
     for a in r.args:
         length = "" if a.length is None else f"[{a.length}]"
         lines.append(f" *   {a.intent:<5} {a.name:<10} {a.base}{length}")
+        if a.callback:
+            for p in a.callback.params:
+                plen = "" if p.length is None else f"[{p.length}]"
+                lines.append(f" *         {a.name}: {p.intent:<5} {p.name:<10} {p.base}{plen}")
     if r.ifail:
         lines.append(" *   inout IFAIL      int")
         for m in r.messages:
@@ -383,6 +463,9 @@ def emit_public_header(chapters: list[Chapter], routines_by_symbol: dict) -> str
         out.append(f"\n/* ---- chapter {ch.name} ---- */")
         for r in ch.routines:
             out += doc_comment(r)
+            for a in r.args:
+                if a.callback:
+                    out += emit_callback_types(a)
             if r.kind == "routine":
                 out.append(prototype(r.ret_type(), f"{r.name}_", r.entry_params()))
             else:
@@ -398,6 +481,7 @@ def exported_symbols(chapters: list[Chapter]) -> list[str]:
     names = []
     for ch in chapters:
         for r in ch.routines:
+            names += [a.adapter_symbol for a in r.args if a.callback]
             if r.kind == "routine":
                 names += [f"{r.name}{s}_" for s in ("", "t", "v", "n")]
             else:

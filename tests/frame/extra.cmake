@@ -11,6 +11,12 @@ if(CMAKE_Fortran_COMPILER)
   target_link_libraries(test_frame_fortran PRIVATE vek)
   add_test(NAME frame_fortran_caller COMMAND test_frame_fortran WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
   set_tests_properties(frame_fortran_caller PROPERTIES LABELS frame)
+
+  add_executable(test_frame_fortran_callback ${CMAKE_CURRENT_LIST_DIR}/fortran/callback_caller.f90)
+  target_compile_options(test_frame_fortran_callback PRIVATE -fdefault-integer-8)
+  target_link_libraries(test_frame_fortran_callback PRIVATE vek)
+  add_test(NAME frame_fortran_callback COMMAND test_frame_fortran_callback)
+  set_tests_properties(frame_fortran_callback PROPERTIES LABELS frame)
 endif()
 
 # The installed library, its header and its pkg-config file, used by a client program.
