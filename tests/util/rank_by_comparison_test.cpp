@@ -22,8 +22,9 @@ int64_t larger_magnitude_first(const int64_t* i, const int64_t* j, int64_t* iuse
 
 // Answers at random: not an order at all.
 int64_t coin(const int64_t*, const int64_t*, int64_t* iuser, double*) {
-  iuser[0] = iuser[0] * 6364136223846793005LL + 1442695040888963407LL;
-  return (iuser[0] >> 33) & 1;
+  const uint64_t next = static_cast<uint64_t>(iuser[0]) * 6364136223846793005ULL + 1442695040888963407ULL;
+  iuser[0] = static_cast<int64_t>(next);
+  return (next >> 33) & 1;
 }
 
 // The ranks of items m1..m2 expected from a stable sort by the same rule.
