@@ -162,6 +162,19 @@ void address_line(const int64_t* flag, const void* p) {
   }
 }
 
+using vek::trace::Record;
+
+// A dump by an exported dumper: nothing above level 2, else the value's lines under NAME and, when asked,
+// its address.
+template <class Dump>
+void dump_named(const char* name, int64_t name_len, int64_t level, const int64_t* address, const void* p,
+                Dump dump) {
+  if (level > 2) return;
+  const std::string n(vek::text::view(name, name_len));
+  dump(Record(nullptr, level), n.c_str());
+  address_line(address, p);
+}
+
 }  // namespace
 
 extern "C" {
@@ -197,36 +210,29 @@ void y90gdyn_(const int64_t* level) { vek::trace::write_trailer(*level); }
 
 void y90adft_(const char* name, const int64_t* value, const int64_t* level, const int64_t* address,
               int64_t name_len) {
-  if (*level > 2) return;
-  vek::trace::Record(nullptr, *level).integer(std::string(vek::text::view(name, name_len)).c_str(), value);
-  address_line(address, value);
+  dump_named(name, name_len, *level, address, value, [&](const Record& r, const char* n) { r.integer(n, value); });
 }
 
 void y90aeft_(const char* name, const int64_t* value, const int64_t* level, const int64_t* address,
               int64_t name_len) {
-  if (*level > 2) return;
-  vek::trace::Record(nullptr, *level).logical(std::string(vek::text::view(name, name_len)).c_str(), value);
-  address_line(address, value);
+  dump_named(name, name_len, *level, address, value, [&](const Record& r, const char* n) { r.logical(n, value); });
 }
 
 void y90agft_(const char* name, const double* value, const int64_t* level, const int64_t* address,
               int64_t name_len) {
-  vek::trace::Record(nullptr, *level).real(std::string(vek::text::view(name, name_len)).c_str(), value);
-  if (*level <= 2) address_line(address, value);
+  if (*level == 3 && std::isnan(*value)) vek::trace::count_nan();
+  dump_named(name, name_len, *level, address, value, [&](const Record& r, const char* n) { r.real(n, value); });
 }
 
 void y90aaft_(const char* name, const char* value, const int64_t* level, const int64_t* address,
               int64_t name_len, int64_t value_len) {
-  if (*level > 2) return;
-  vek::trace::Record(nullptr, *level).text(std::string(vek::text::view(name, name_len)).c_str(), value, value_len);
-  address_line(address, value);
+  dump_named(name, name_len, *level, address, value,
+             [&](const Record& r, const char* n) { r.text(n, value, value_len); });
 }
 
 void y90bgzn_(const char* name, const double* x, const int64_t* n, const int64_t* level, const int64_t* address,
               int64_t name_len) {
-  if (*level > 2) return;
-  vek::trace::Record(nullptr, *level).reals(std::string(vek::text::view(name, name_len)).c_str(), x, *n);
-  address_line(address, x);
+  dump_named(name, name_len, *level, address, x, [&](const Record& r, const char* nm) { r.reals(nm, x, *n); });
 }
 
 }  // extern "C"
