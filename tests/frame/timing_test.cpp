@@ -61,7 +61,9 @@ TEST(Timing, ClocksMeasureWorkAndSleep) {
   std::this_thread::sleep_for(std::chrono::milliseconds(50));
   const double wall1 = x05bbf_(), cpu2 = x05baf_();
   EXPECT_NEAR(cpu1 - cpu0, c_seconds, 0.005);
-  EXPECT_GE(wall1 - wall0, 0.079);
+  // Process CPU time can outrun the wall clock when other threads of the process run (an OpenMP team left
+  // spinning by an earlier test), so only the sleep is certain wall time.
+  EXPECT_GE(wall1 - wall0, 0.049);
   EXPECT_LT(wall1 - wall0, 10.0);
   EXPECT_LT(cpu2 - cpu1, 0.04);  // sleeping uses (almost) no processor time
 }
