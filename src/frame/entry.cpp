@@ -8,6 +8,7 @@
 #include "frame/error_exit.h"
 #include "frame/licence.h"
 #include "frame/text.h"
+#include "frame/units.h"
 
 namespace vek::frame {
 namespace {
@@ -33,7 +34,7 @@ std::string fill(std::string_view tmpl, const ParsedBuffer& p) {
 }  // namespace
 
 int64_t report_failure(int64_t ifail_on_entry, int64_t ierr, const char* errbuf, const char* srname,
-                       std::span<const Message> table) {
+                       std::span<const Message> table, ExitForm form) {
   std::vector<std::string> records;
   if (ierr == kAllocationFailed) {
     records.push_back(record("** Dynamic memory allocation failed."));
@@ -60,7 +61,23 @@ int64_t report_failure(int64_t ifail_on_entry, int64_t ierr, const char* errbuf,
       ierr = kUnexpectedError;
     }
   }
+  if (form == ExitForm::two_digit) return error_exit_two_digit(ifail_on_entry, ierr, srname, records);
   return error_exit(ifail_on_entry, ierr, srname, records);
+}
+
+void report_illegal(const char* records, const char* routine, int64_t number, int64_t value) {
+  const int64_t nerr = units::error_unit();
+  for (std::string_view rest(records);;) {
+    const size_t end = std::min(rest.find('\n'), rest.size());
+    std::string line = record(rest.substr(0, end));
+    for (auto [key, text] : {std::pair<std::string_view, std::string>{"{ROUTINE}", routine},
+                             {"{NUMBER}", text::int_text(number)}, {"{VALUE}", text::int_text(value)}}) {
+      if (const size_t at = line.find(key); at != std::string::npos) line.replace(at, key.size(), text);
+    }
+    units::write_record(nerr, line);
+    if (end == rest.size()) break;
+    rest.remove_prefix(end + 1);
+  }
 }
 
 }  // namespace vek::frame

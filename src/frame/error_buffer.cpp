@@ -43,11 +43,9 @@ std::string ErrorBuffer::header(int64_t ifail, int64_t msgno, size_t count) {
   return s;
 }
 
-void ErrorBuffer::append(std::string& fields, int64_t v) { fields += text::fixed_int(v, 20) + kSep; }
-void ErrorBuffer::append(std::string& fields, double v) { fields += text::real_text(v) + kSep; }
-void ErrorBuffer::append(std::string& fields, const CharValue& v) {
-  fields += show_value(v.text, v.limit) + kSep;
-}
+void IntValue::append(std::string& fields, int64_t v) { fields += text::fixed_int(v, 20) + kSep; }
+void RealValue::append(std::string& fields, double v) { fields += text::real_text(v) + kSep; }
+void append_text(std::string& fields, std::string_view v, int64_t limit) { fields += show_value(v, limit) + kSep; }
 
 void ErrorBuffer::store(int64_t ifail, const std::string& fields) {
   *ierr_ = ifail;

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "frame/licence.h"
 
@@ -26,10 +27,40 @@ inline constexpr int64_t kAllocationFailed = -999;
 // leaves the leading blanks in place.
 std::string show_value(std::string_view value, int64_t limit, bool keep_leading = false);
 
-// A text value for ErrorBuffer::fail, passed through show_value.
-struct CharValue {
-  std::string_view text;
-  int64_t limit = kLineLength;
+// Appends a text value as show_value shows it, followed by the separator.
+void append_text(std::string& fields, std::string_view v, int64_t limit);
+
+// How each kind of message value enters the buffer; a declared message lists one per value, and fail()
+// accepts exactly those.
+struct IntValue {
+  template <class A>
+  static constexpr bool accepts = std::is_integral_v<A> && !std::is_same_v<A, bool>;
+  static void append(std::string& fields, int64_t v);
+};
+struct RealValue {
+  template <class A>
+  static constexpr bool accepts = std::is_floating_point_v<A>;
+  static void append(std::string& fields, double v);
+};
+// A text shown as show_value does, cut to Limit characters.
+template <int64_t Limit>
+struct TextValue {
+  template <class A>
+  static constexpr bool accepts = std::is_convertible_v<const A&, std::string_view>;
+  static void append(std::string& fields, std::string_view v) { append_text(fields, v, Limit); }
+};
+// The first character of an option argument.
+struct LetterValue {
+  template <class A>
+  static constexpr bool accepts = std::is_convertible_v<const A&, std::string_view>;
+  static void append(std::string& fields, std::string_view v) { append_text(fields, v.substr(0, 1), kLineLength); }
+};
+// A declared message: its IFAIL value and message number, and the kinds of its values in buffer order. The
+// generator makes one constant per message of a routine (vek::routines::<routine>::<name>).
+template <class... Values>
+struct Msg {
+  int64_t ifail;
+  int64_t msgno;
 };
 
 // The worker's side: clears the buffer and IERR on construction; fail() records the first failure.
@@ -49,21 +80,19 @@ class ErrorBuffer {
     return false;
   }
 
-  template <class... Values>
-  void fail(int64_t ifail, int64_t msgno, const Values&... values) {
-    std::string fields = header(ifail, msgno, sizeof...(Values));
-    (append(fields, values), ...);
-    store(ifail, fields);
+  // Records the failure `m` with its values, which must match the declaration in number and kind.
+  template <class... Kinds, class... Args>
+    requires(sizeof...(Kinds) == sizeof...(Args) && (Kinds::template accepts<Args> && ...))
+  void fail(const Msg<Kinds...>& m, const Args&... values) {
+    std::string fields = header(m.ifail, m.msgno, sizeof...(Kinds));
+    (Kinds::append(fields, values), ...);
+    store(m.ifail, fields);
   }
   void fail_allocation() { *ierr_ = kAllocationFailed; }
   int64_t ierr() const { return *ierr_; }
 
  private:
   static std::string header(int64_t ifail, int64_t msgno, size_t count);
-  static void append(std::string& fields, int64_t v);
-  static void append(std::string& fields, int v) { append(fields, static_cast<int64_t>(v)); }
-  static void append(std::string& fields, double v);
-  static void append(std::string& fields, const CharValue& v);
   void store(int64_t ifail, const std::string& fields);
 
   char* buf_;

@@ -30,15 +30,14 @@ bool nested() { return false; }
 
 }  // namespace vek::threads
 
-extern "C" {
+namespace vek::routines {
 
-// Sets the thread count for later parallel regions. No licence gate: the caller may always choose how many
-// threads the library uses. NUM < 1 fails with IFAIL 1 and leaves the setting as it was.
-void x06aafn_(const int64_t* num, char* errbuf, int64_t* ierr, int64_t errbuf_len) {
-  vek::frame::ErrorBuffer err(errbuf, errbuf_len, ierr);
-  if (*num < 1) return err.fail(1, 1001, *num);
-  vek::threads::set_num_threads(*num);
-}
+// The thread count for later parallel regions (NUM >= 1 has been checked).
+void x06aaf::run(frame::ErrorBuffer&, const int64_t* num) { threads::set_num_threads(*num); }
+
+}  // namespace vek::routines
+
+extern "C" {
 
 int64_t x06abfn_() { return vek::threads::team_size(); }
 int64_t x06acfn_() { return vek::threads::max_threads(); }

@@ -1,17 +1,11 @@
-// Workers of the S20 routines, the Fresnel integrals (fresnel.cpp): a power series below 1, the Faddeeva
+// Bodies of the S20 routines, the Fresnel integrals (fresnel.cpp): a power series below 1, the Faddeeva
 // function above. Odd in X, +-1/2 at +-infinity, NaN -> NaN; no failures.
 #include "layers/s20.h"
 #include "specfun/specfun.h"
-#include "specfun/worker.h"
 
-extern "C" {
+namespace vek::routines {
 
-double s20acfn_(const double* x, char* errbuf, int64_t* ierr, int64_t errbuf_len) {
-  return vek::specfun::licensed_value("S20ACFN", errbuf, errbuf_len, ierr, [&] { return vek::specfun::fresnel(*x).s; });
-}
+double s20acf::run(frame::ErrorBuffer&, const double* x) { return specfun::fresnel(*x).s; }
+double s20adf::run(frame::ErrorBuffer&, const double* x) { return specfun::fresnel(*x).c; }
 
-double s20adfn_(const double* x, char* errbuf, int64_t* ierr, int64_t errbuf_len) {
-  return vek::specfun::licensed_value("S20ADFN", errbuf, errbuf_len, ierr, [&] { return vek::specfun::fresnel(*x).c; });
-}
-
-}  // extern "C"
+}  // namespace vek::routines

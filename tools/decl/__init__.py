@@ -1,0 +1,1 @@
+"""The declaration language of the library's routines: parser, checks and emitters (docs/declarations.md)."""

@@ -1,0 +1,261 @@
+"""Reads the chapter declaration files (syntax in docs/declarations.md) into the model."""
+from __future__ import annotations
+
+import re
+import shlex
+from pathlib import Path
+
+from .model import (C_TYPES, INTENTS, Arg, Callback, Chapter, Check, DeclError, Field, Group, Illegal, Message, Published,
+                    Routine, State, Use)
+
+TYPE_RE = re.compile(r"^(int|logical|real|single|complex|scomplex|char)(?:\[(.+)\])?$")
+NAME_RE = re.compile(r"^[a-z][a-z0-9_]*$")
+FIELD_RE = re.compile(r"^(\d+)(?::(\d+))?$")
+
+
+def parse_type(text: str, where: str):
+    m = TYPE_RE.match(text)
+    if not m:
+        raise DeclError(f"{where}: unknown type '{text}'")
+    return m.group(1), m.group(2)
+
+
+def parse_int(text: str, what: str, where: str) -> int:
+    try:
+        return int(text)
+    except ValueError:
+        raise DeclError(f"{where}: {what} '{text}' is not an integer") from None
+
+
+class Parser:
+    """One file, line by line. Blocks: a routine runs to the next routine; group and state run to 'end'."""
+
+    def __init__(self, path: Path):
+        self.chapter = Chapter(path.stem, path)
+        self.routine: Routine | None = None
+        self.group: Group | None = None
+        self.state: State | None = None
+
+    def owner(self, key: str, where: str):
+        """The block that takes messages, checks and uses: an open group, else the current routine."""
+        if self.group is not None:
+            return self.group
+        if self.routine is None:
+            raise DeclError(f"{where}: '{key}' outside a routine or group")
+        return self.routine
+
+    def current(self, key: str, where: str) -> Routine:
+        if self.group is not None or self.routine is None:
+            raise DeclError(f"{where}: '{key}' belongs to a routine")
+        return self.routine
+
+    def line(self, raw: str, where: str):
+        head = raw.split(None, 1)
+        if not head or head[0].startswith("#"):
+            return
+        key = head[0]
+        if key == "purpose":  # free text to the end of the line, quotes and all
+            self.current(key, where).purpose = head[1].strip() if len(head) > 1 else ""
+            return
+        if key == "check":  # an expression, read as written
+            self.check(head[1] if len(head) > 1 else "", where)
+            return
+        if self.state is not None and key not in ("field", "end"):
+            raise DeclError(f"{where}: a state block holds 'field' lines up to 'end'")
+        if key == "field":
+            self.field(raw, where)
+            return
+        try:
+            words = shlex.split(raw, comments=True)
+        except ValueError as e:
+            raise DeclError(f"{where}: {e}") from None
+        if not words:
+            return
+        key, rest = words[0], words[1:]
+        handler = getattr(self, "kw_" + key.replace("-", "_"), None)
+        if handler is None:
+            if key in INTENTS:
+                self.argument(key, rest, where)
+                return
+            raise DeclError(f"{where}: unknown keyword '{key}'")
+        handler(rest, where)
+
+    # -- blocks ----------------------------------------------------------------------------------------
+    def kw_routine(self, rest, where, kind="routine"):
+        if self.group is not None:
+            raise DeclError(f"{where}: group {self.group.name} has no 'end'")
+        if not rest:
+            raise DeclError(f"{where}: '{kind}' needs a name")
+        r = Routine(rest[0].lower(), kind, self.chapter.name, where)
+        opts = rest[1:]
+        while opts:
+            opt = opts.pop(0)
+            if opt == "ifail" and kind == "routine":
+                r.ifail = "standard"
+                if opts and opts[0] == "two-digit":
+                    r.ifail = opts.pop(0)
+            elif opt == "ungated" and kind == "routine":
+                r.gated = False
+            elif opt == "returns" and opts:
+                r.returns = opts.pop(0)
+                if r.returns not in C_TYPES:
+                    raise DeclError(f"{where}: unknown result type '{r.returns}'")
+                if r.returns == "char" and kind != "internal":
+                    raise DeclError(f"{where}: only internal routines may return char")
+            else:
+                raise DeclError(f"{where}: unexpected '{opt}'")
+        self.chapter.routines.append(r)
+        self.routine = r
+
+    def kw_internal(self, rest, where):
+        self.kw_routine(rest, where, kind="internal")
+
+    def kw_published(self, rest, where):
+        if len(rest) != 2:
+            raise DeclError(f"{where}: 'published NAME TARGET'")
+        self.chapter.published.append(Published(rest[0].lower(), rest[1].lower(), where))
+        self.routine = None
+
+    def kw_group(self, rest, where):
+        if self.group is not None:
+            raise DeclError(f"{where}: group {self.group.name} has no 'end'")
+        if len(rest) != 1 or not NAME_RE.match(rest[0]):
+            raise DeclError(f"{where}: 'group NAME' with a lower-case name")
+        self.group = Group(rest[0], where)
+        self.chapter.groups.append(self.group)
+        self.routine = None
+
+    def kw_state(self, rest, where):
+        r = self.current("state", where)
+        if len(rest) != 1:
+            raise DeclError(f"{where}: 'state ARRAY'")
+        a = r.arg(rest[0].upper())
+        if a is None or a.length in (None, "*") or a.callback or a.base in ("char",):
+            raise DeclError(f"{where}: state {rest[0]} is not an array argument of known length declared above")
+        self.state = State(a.name, where)
+        r.states.append(self.state)
+
+    def kw_end(self, rest, where):
+        if rest:
+            raise DeclError(f"{where}: 'end' takes nothing")
+        if self.state is not None:
+            if not self.state.fields:
+                raise DeclError(f"{where}: state {self.state.array} declares no field")
+            self.state = None
+        elif self.group is not None:
+            self.group = None
+        else:
+            raise DeclError(f"{where}: 'end' without a group or state")
+
+    def finish(self, where):
+        if self.state is not None:
+            raise DeclError(f"{self.state.where}: state {self.state.array} has no 'end'")
+        if self.group is not None:
+            raise DeclError(f"{self.group.where}: group {self.group.name} has no 'end'")
+
+    # -- routine lines ---------------------------------------------------------------------------------
+    def argument(self, intent, rest, where):
+        r = self.current(intent, where)
+        if len(rest) != 2:
+            raise DeclError(f"{where}: '{intent} NAME TYPE'")
+        name = rest[0].upper()
+        if r.arg(name):
+            raise DeclError(f"{where}: argument {name} declared twice")
+        base, length = parse_type(rest[1], where)
+        r.args.append(Arg(name, intent, base, length))
+
+    def kw_callback(self, rest, where):
+        # callback NAME [returns TYPE] adapter SUFFIX, then its arguments as 'param INTENT NAME TYPE' lines
+        r = self.current("callback", where)
+        if len(rest) < 3 or "adapter" not in rest or rest.index("adapter") + 2 != len(rest):
+            raise DeclError(f"{where}: 'callback NAME [returns TYPE] adapter SUFFIX'")
+        returns = rest[2] if rest[1] == "returns" else None
+        if returns is not None and returns not in C_TYPES or returns == "char":
+            raise DeclError(f"{where}: a user function returns a number or nothing")
+        name = rest[0].upper()
+        if r.arg(name):
+            raise DeclError(f"{where}: argument {name} declared twice")
+        r.args.append(Arg(name, "in", "callback", None, r.name, Callback(returns, rest[-1])))
+
+    def kw_param(self, rest, where):
+        r = self.current("param", where)
+        if not r.args or not r.args[-1].callback or len(rest) != 3 or rest[0] not in INTENTS:
+            raise DeclError(f"{where}: 'param INTENT NAME TYPE' follows a callback")
+        base, length = parse_type(rest[2], where)
+        if base == "char":
+            raise DeclError(f"{where}: user functions take no character arguments")
+        r.args[-1].callback.params.append(Arg(rest[1].upper(), rest[0], base, length))
+
+    def kw_forwards(self, rest, where):
+        if len(rest) != 1:
+            raise DeclError(f"{where}: 'forwards SYMBOL'")
+        self.current("forwards", where).forwards = rest[0]
+
+    def kw_flag(self, rest, where):
+        r = self.current("flag", where)
+        if len(rest) != 1:
+            raise DeclError(f"{where}: 'flag ARGUMENT'")
+        a = r.arg(rest[0].upper())
+        if a is None or a.base != "int" or not a.is_scalar or a.intent != "inout":
+            raise DeclError(f"{where}: flag {rest[0]} is not an inout integer scalar declared above")
+        r.flag = a.name
+
+    def kw_illegal(self, rest, where):
+        owner = self.owner("illegal", where)
+        if not rest:
+            raise DeclError(f"{where}: 'illegal \"record\" ...'")
+        for rec in rest:
+            for name in re.findall(r"\{([^}]*)\}", rec):
+                if name not in ("ROUTINE", "NUMBER", "VALUE"):
+                    raise DeclError(f"{where}: an illegal-argument record shows {{ROUTINE}}, {{NUMBER}} or "
+                                    f"{{VALUE}}, not {{{name}}}")
+        owner.items.append(Illegal(rest, where))
+
+    def kw_message(self, rest, where):
+        owner = self.owner("message", where)
+        if len(rest) < 4:
+            raise DeclError(f"{where}: 'message NAME IFAIL MSGNO \"record\" ...'")
+        if not NAME_RE.match(rest[0]):
+            raise DeclError(f"{where}: message name '{rest[0]}' is not a lower-case identifier")
+        owner.items.append(Message(rest[0], parse_int(rest[1], "IFAIL", where),
+                                   parse_int(rest[2], "message number", where), rest[3:], where))
+
+    def kw_use(self, rest, where):
+        if len(rest) != 1:
+            raise DeclError(f"{where}: 'use GROUP'")
+        self.owner("use", where).items.append(Use(rest[0], where))
+
+    def check(self, text, where):
+        owner = self.owner("check", where)
+        expr, sep, target = text.rpartition(" else ")
+        if not sep or not expr.strip() or not target.strip():
+            raise DeclError(f"{where}: 'check CONDITION else MESSAGE' (or 'else illegal ARGUMENT')")
+        owner.items.append(Check(expr.strip(), " ".join(target.split("#")[0].split()), where))
+
+    def field(self, raw, where):
+        if self.state is None:
+            raise DeclError(f"{where}: 'field' outside a state block")
+        text, _, comment = raw.partition("#")
+        words = text.split()
+        if len(words) != 3 or words[0] != "field" or not NAME_RE.match(words[1].lower()):
+            raise DeclError(f"{where}: 'field NAME ELEMENT' or 'field NAME FIRST:LAST'")
+        m = FIELD_RE.match(words[2])
+        if not m:
+            raise DeclError(f"{where}: field element '{words[2]}' is not N or FIRST:LAST")
+        first = int(m.group(1))
+        last = int(m.group(2) or first)
+        if first < 1 or last < first:
+            raise DeclError(f"{where}: field elements {words[2]} are not a range from 1 up")
+        name = words[1].lower()
+        if any(f.name == name for f in self.state.fields):
+            raise DeclError(f"{where}: field {name} declared twice")
+        self.state.fields.append(Field(name, first, last, comment.strip()))
+
+
+def parse_chapter(path: Path) -> Chapter:
+    p = Parser(path)
+    lineno = 0
+    for lineno, raw in enumerate(path.read_text().splitlines(), 1):
+        p.line(raw, f"{path}:{lineno}")
+    p.finish(f"{path}:{lineno}")
+    return p.chapter

@@ -1,0 +1,141 @@
+"""Completes the parsed declarations: expands groups into routines, types every message value, checks that
+every message fits the error buffer and that every check names what it reports, and that lengths and state
+fields stay within their arrays."""
+from __future__ import annotations
+
+import copy
+import re
+
+from .checks import translate
+from .model import IDENT_RE, Chapter, Check, DeclError, Illegal, Message, Routine, Use, Value
+
+ERRBUF_LENGTH = 200
+MAX_VALUES = 9        # the parser of the error buffer keeps 12 fields: IFAIL, number, count and 9 values
+LINE_LENGTH = 80      # a field longer than a message line is cut
+VALUE_RE = re.compile(r"\{([^}]*)\}")
+VALUE_SPEC_RE = re.compile(r"^([A-Za-z_][A-Za-z0-9_]*)(?::(int|real|letter|char(\d+)?))?$")
+
+
+def expand(items: list, groups: dict, where_used: str, seen: tuple = ()) -> list:
+    out = []
+    for item in items:
+        if isinstance(item, Use):
+            group = groups.get(item.group)
+            if group is None:
+                raise DeclError(f"{item.where}: no group named '{item.group}'")
+            if item.group in seen:
+                raise DeclError(f"{item.where}: group '{item.group}' uses itself")
+            out += expand(group.items, groups, where_used, seen + (item.group,))
+        else:
+            out.append(copy.deepcopy(item))
+    return out
+
+
+def value_of(spec: str, r: Routine, where: str) -> Value:
+    m = VALUE_SPEC_RE.match(spec)
+    if not m:
+        raise DeclError(f"{where}: '{{{spec}}}' is not {{NAME}} or {{NAME:TYPE}} (int, real, letter, char, charN)")
+    name, kind, limit = m.group(1), m.group(2), m.group(3)
+    if kind is None:
+        a = r.arg(name)
+        if a is None or not a.is_scalar or a.base not in ("int", "logical", "real", "char"):
+            raise DeclError(f"{where}: value {{{name}}} is not a scalar argument of {r.name.upper()}: give its type "
+                            f"as {{{name}:int}}, {{{name}:real}}, {{{name}:char}} ...")
+        kind = {"logical": "int"}.get(a.base, a.base)
+    if kind.startswith("char"):
+        n = int(limit) if limit else LINE_LENGTH
+        if not 1 <= n <= LINE_LENGTH:
+            raise DeclError(f"{where}: {{{spec}}} shows 1 to {LINE_LENGTH} characters")
+        return Value(name, "char", n)
+    return Value(name, kind)
+
+
+def resolve_message(m: Message, r: Routine):
+    values: dict[str, Value] = {}
+    for rec in m.records:
+        for spec in VALUE_RE.findall(rec):
+            v = value_of(spec, r, m.where)
+            if v.name in values and (values[v.name].kind, values[v.name].limit) != (v.kind, v.limit):
+                raise DeclError(f"{m.where}: value {{{v.name}}} given two types")
+            values.setdefault(v.name, v)
+    m.values = list(values.values())
+    if len(m.values) > MAX_VALUES:
+        raise DeclError(f"{m.where}: message {m.name} has {len(m.values)} values; at most {MAX_VALUES} fit")
+    # The buffer holds 0x01, IFAIL in 5, 0x01, number in 5, 0x01, the count, 0x01, then each value and 0x01.
+    need = 4 + 5 + 5 + len(str(len(m.values))) + sum(v.width + 1 for v in m.values)
+    if need > ERRBUF_LENGTH:
+        shown = ", ".join(f"{v.name} {v.width}" for v in m.values)
+        raise DeclError(f"{m.where}: message {m.name} needs {need} characters of the {ERRBUF_LENGTH}-character error "
+                        f"buffer at worst ({shown}); show fewer values or cut texts with charN")
+
+
+def resolve_routine(r: Routine, groups: dict):
+    items = expand(r.items, groups, r.where)
+    r.messages = [i for i in items if isinstance(i, Message)]
+    r.checks = [i for i in items if isinstance(i, Check)]
+    reports = [i for i in items if isinstance(i, Illegal)]
+    if reports and (r.ifail or len(reports) > 1):
+        raise DeclError(f"{reports[-1].where}: one 'illegal' report, for a routine without IFAIL")
+    r.illegal = reports[0].records if reports else []
+    if r.messages and not r.ifail:
+        raise DeclError(f"{r.messages[0].where}: messages need an ifail routine")
+    if r.checks and not (r.ifail or r.illegal):
+        raise DeclError(f"{r.checks[0].where}: checks need an ifail routine or an 'illegal' report")
+    if (r.checks or r.illegal) and (r.kind != "routine" or r.forwards):
+        raise DeclError(f"{r.where}: checks belong to a routine with a hand-written body, not a forwarded one")
+    names, pairs = set(), set()
+    for m in r.messages:
+        if m.name in names:
+            raise DeclError(f"{m.where}: message {m.name} declared twice in {r.name}")
+        if (m.ierr, m.msgno) in pairs:
+            raise DeclError(f"{m.where}: pair ({m.ierr}, {m.msgno}) declared twice in {r.name}")
+        if m.name in ("run",) or any(s.array.lower() + "_state" == m.name for s in r.states):
+            raise DeclError(f"{m.where}: message name {m.name} is taken")
+        names.add(m.name)
+        pairs.add((m.ierr, m.msgno))
+        resolve_message(m, r)
+    by_name = {m.name: m for m in r.messages}
+    for c in r.checks:
+        translate(c.expr, r, c.where)  # rejects what it cannot read
+        words = c.target.split()
+        if words[0] == "illegal":
+            if not r.illegal:
+                raise DeclError(f"{c.where}: 'else illegal' needs the routine's 'illegal' records")
+            a = r.arg(words[1].upper()) if len(words) == 2 else None
+            if a is None or not a.is_scalar or a.base not in ("int", "logical"):
+                raise DeclError(f"{c.where}: 'else illegal ARGUMENT' names an integer scalar argument")
+            continue
+        if len(words) != 1 or words[0] not in by_name:
+            raise DeclError(f"{c.where}: check fails with '{c.target}', which is no message of {r.name}")
+        for v in by_name[words[0]].values:
+            if not (r.arg(v.name) and r.arg(v.name).is_scalar):
+                raise DeclError(f"{c.where}: message {words[0]} shows {{{v.name}}}, which a check cannot supply "
+                                f"(not a scalar argument); raise it from the body")
+    for s in r.states:
+        for f in s.fields:
+            if not r.arg(s.array).length.isdigit() or f.last > int(r.arg(s.array).length):
+                raise DeclError(f"{s.where}: field {f.name} ({f.first}:{f.last}) lies outside {s.array}"
+                                f"[{r.arg(s.array).length}]: declare the array with a literal length")
+
+
+def check_lengths(r: Routine):
+    names = {a.name: a for a in r.args}
+    for a in r.args:
+        if a.length in (None, "*"):
+            continue
+        for ident in IDENT_RE.findall(a.length):
+            if ident not in names or names[ident].base not in ("int", "logical") or names[ident].length:
+                raise DeclError(f"{r.where}: length of {a.name} uses '{ident}', not an integer scalar argument")
+
+
+def resolve(chapters: list[Chapter]):
+    groups = {}
+    for ch in chapters:
+        for g in ch.groups:
+            if g.name in groups:
+                raise DeclError(f"{g.where}: group {g.name} declared twice")
+            groups[g.name] = g
+    for ch in chapters:
+        for r in ch.routines:
+            check_lengths(r)
+            resolve_routine(r, groups)
