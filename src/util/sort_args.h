@@ -1,41 +1,39 @@
-// The argument checks the M01 routines share, each recording its failure in the worker's error buffer.
+// What the M01 bodies share once the declared checks (m01.decl) have passed: the order letter, the caller's
+// segment, and the permutation check of the rearranging routines.
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <span>
 
 #include "frame/error_buffer.h"
+#include "frame/text.h"
+#include "util/rank.h"
 #include "util/sort_kernel.h"
 
 namespace vek::util {
 
-// M2 >= 1 (99999), M1 >= 1 (99998), M1 <= M2 (99997), all IFAIL 1, in that order. Also the checks on the
-// column range N1..N2 of the matrix routines, with their own message numbers.
-bool valid_range(frame::ErrorBuffer& err, int64_t m1, int64_t m2, int64_t msgno = 99999);
-
-// The key substring L1:L2 of strings of length `length`: L1 >= 1 (msgno), L1 <= L2 (msgno - 1), L2 <= length
-// (msgno - 2), all IFAIL 1.
-bool valid_key(frame::ErrorBuffer& err, int64_t l1, int64_t l2, int64_t length, int64_t msgno = 99996);
-
-// The order letter: 'A' or 'D' in either case; anything else fails with (ifail, msgno) and the first
-// character shown.
-std::optional<Order> order_argument(frame::ErrorBuffer& err, const char* order, int64_t order_len,
-                                    int64_t ifail = 2, int64_t msgno = 99996);
-
-// All the checks of the string sorts and ranks, in order: the range, the key L1:L2 within records of
-// `length` characters, then ORDER (IFAIL 2, 99993). The order, or nothing after a failure.
-std::optional<Order> string_key_arguments(frame::ErrorBuffer& err, int64_t m1, int64_t m2, int64_t l1, int64_t l2,
-                                          int64_t length, const char* order, int64_t order_len);
-
-// PERM(M1:M2) a permutation of M1..M2: the first entry out of range fails with IFAIL 2 (99996, values I and
-// PERM(I)), the first repeated value with IFAIL 3 (99995, the value).
-bool valid_permutation(frame::ErrorBuffer& err, std::span<const int64_t> perm, int64_t m1);
+// ORDER, already checked to be 'A' or 'D' in either case.
+inline Order order_of(const char* order, int64_t order_len) {
+  return text::option_letter(order, order_len) == 'D' ? Order::descending : Order::ascending;
+}
 
 // The caller's elements M1..M2 (one-based) of a vector.
 template <class T>
 std::span<T> segment(T* v, int64_t m1, int64_t m2) {
   return std::span<T>(v + (m1 - 1), static_cast<size_t>(m2 - m1 + 1));
+}
+
+// PERM(M1:M2) a permutation of M1..M2, for the routine R: the first entry out of range fails with
+// R::out_of_range (I and PERM(I)), the first repeated value with R::repeated.
+template <class R>
+bool valid_permutation(frame::ErrorBuffer& err, std::span<const int64_t> perm, int64_t m1) {
+  const PermutationFault fault = check_permutation(perm, m1);
+  switch (fault.kind) {
+    case PermutationFault::Kind::none: return true;
+    case PermutationFault::Kind::out_of_range: err.fail(R::out_of_range, m1 + fault.index, fault.value); break;
+    case PermutationFault::Kind::repeated: err.fail(R::repeated, fault.value); break;
+  }
+  return false;
 }
 
 }  // namespace vek::util

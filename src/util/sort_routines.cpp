@@ -1,4 +1,4 @@
-// Workers of the M01 sort routines.
+// Bodies of the M01 sort routines (the declared checks of m01.decl have passed).
 //
 // M01CAF sorts RV(M1:M2) in place. When the vector is long enough to share among threads (at least 32768
 // elements per thread) a workspace of the segment's length is allocated, each thread sorts a piece with the
@@ -12,58 +12,34 @@
 // M01CCF sorts the strings CH(M1:M2) by their substrings CH(I)(L1:L2), compared byte by byte in ASCII order.
 // The strings are ranked (a quicksort of their numbers, ties broken by number, so the sort is stable in both
 // orders) and then moved along the cycles of the ranking; equal keys keep their order.
-#include <new>
+#include <vector>
 
 #include "layers/m01.h"
 #include "util/rank.h"
 #include "util/sort.h"
 #include "util/sort_args.h"
 
-namespace {
+namespace vek::routines {
 
-template <class T>
-void sort_worker(const char* worker, T* v, const int64_t* m1, const int64_t* m2, const char* order,
-                 char* errbuf, int64_t* ierr, int64_t order_len, int64_t errbuf_len) {
-  vek::frame::ErrorBuffer err(errbuf, errbuf_len, ierr);
-  if (!err.licensed(worker)) return;
-  if (!vek::util::valid_range(err, *m1, *m2)) return;
-  const auto direction = vek::util::order_argument(err, order, order_len);
-  if (!direction) return;
-  vek::util::sort(vek::util::segment(v, *m1, *m2), *direction);
+void m01caf::run(frame::ErrorBuffer&, double* rv, const int64_t* m1, const int64_t* m2, const char* order,
+                 int64_t order_len) {
+  util::sort(util::segment(rv, *m1, *m2), util::order_of(order, order_len));
 }
 
-}  // namespace
-
-extern "C" {
-
-void m01cafn_(double* rv, const int64_t* m1, const int64_t* m2, const char* order, char* errbuf, int64_t* ierr,
-              int64_t order_len, int64_t errbuf_len) {
-  sort_worker("M01CAFN", rv, m1, m2, order, errbuf, ierr, order_len, errbuf_len);
+void m01cbf::run(frame::ErrorBuffer&, int64_t* iv, const int64_t* m1, const int64_t* m2, const char* order,
+                 int64_t order_len) {
+  util::sort(util::segment(iv, *m1, *m2), util::order_of(order, order_len));
 }
 
-void m01cbfn_(int64_t* iv, const int64_t* m1, const int64_t* m2, const char* order, char* errbuf,
-              int64_t* ierr, int64_t order_len, int64_t errbuf_len) {
-  sort_worker("M01CBFN", iv, m1, m2, order, errbuf, ierr, order_len, errbuf_len);
-}
-
-void m01ccfn_(char* ch, const int64_t* m1, const int64_t* m2, const int64_t* l1, const int64_t* l2,
-              const char* order, char* errbuf, int64_t* ierr, int64_t ch_len, int64_t order_len,
-              int64_t errbuf_len) {
-  vek::frame::ErrorBuffer err(errbuf, errbuf_len, ierr);
-  if (!err.licensed("M01CCFN")) return;
-  const auto direction = vek::util::string_key_arguments(err, *m1, *m2, *l1, *l2, ch_len, order, order_len);
-  if (!direction) return;
+void m01ccf::run(frame::ErrorBuffer&, char* ch, const int64_t* m1, const int64_t* m2, const int64_t* l1,
+                 const int64_t* l2, const char* order, int64_t ch_len, int64_t order_len) {
   const int64_t n = *m2 - *m1 + 1;
   char* first = ch + (*m1 - 1) * ch_len;
-  try {
-    std::vector<int64_t> positions(static_cast<size_t>(n));
-    const vek::util::KeyTable<unsigned char> keys{reinterpret_cast<const unsigned char*>(first) + (*l1 - 1), ch_len,
-                                                  1, *l2 - *l1 + 1};
-    vek::util::rank(keys, n, *direction, positions, 0);
-    vek::util::rearrange_records(first, ch_len, positions, 0);
-  } catch (const std::bad_alloc&) {
-    err.fail_allocation();
-  }
+  std::vector<int64_t> positions(static_cast<size_t>(n));
+  const util::KeyTable<unsigned char> keys{reinterpret_cast<const unsigned char*>(first) + (*l1 - 1), ch_len, 1,
+                                           *l2 - *l1 + 1};
+  util::rank(keys, n, util::order_of(order, order_len), positions, 0);
+  util::rearrange_records(first, ch_len, positions, 0);
 }
 
-}  // extern "C"
+}  // namespace vek::routines

@@ -47,11 +47,12 @@ TEST(ErrorBuffer, WriterLayoutIsWhatTheParserReads) {
   vek::frame::ErrorBuffer err(buf, 200, &ierr);
   EXPECT_EQ(ierr, 0);
   EXPECT_EQ(std::string(buf, 200), std::string(200, ' '));
-  err.fail(1, 99998, int64_t{0});
+  err.fail(vek::frame::Msg<vek::frame::IntValue>{1, 99998}, int64_t{0});
   EXPECT_EQ(ierr, 1);
   EXPECT_EQ(std::string(buf, 200), padded(std::string{S} + "    1" + S + "99998" + S + "1" + S +
                                           std::string(19, ' ') + "0" + S));
-  err.fail(2, 99996, vek::frame::CharValue{"  XYZ  "}, 2.5, int64_t{-7});
+  err.fail(vek::frame::Msg<vek::frame::TextValue<80>, vek::frame::RealValue, vek::frame::IntValue>{2, 99996},
+           "  XYZ  ", 2.5, int64_t{-7});
   const Parsed p = parse(std::string(buf, 200));
   EXPECT_EQ(p.status, 0);
   EXPECT_EQ(p.msgno, 99996);
@@ -113,7 +114,7 @@ TEST(ErrorBuffer, UnknownPairIsAnUnexpectedError) {
   char buf[200];
   int64_t ierr;
   vek::frame::ErrorBuffer err(buf, 200, &ierr);
-  err.fail(7, 99990);
+  err.fail(vek::frame::Msg<>{7, 99990});
   int64_t result = 0;
   auto lines = vek::testing::console_lines(
       [&] { result = vek::frame::finish_call(-1, ierr, buf, "ROUTIN", table); });

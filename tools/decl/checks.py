@@ -86,8 +86,8 @@ def translate(expr: str, r: Routine, where: str) -> str:
         if kind == "id" and text == "len":
             if toks[i + 1:i + 2] != [("op", "(")] or len(toks) < i + 4 or toks[i + 3] != ("op", ")"):
                 raise DeclError(f"{where}: 'len(NAME)' of a character argument")
-            a = scalar(r, toks[i + 2][1], where)
-            if a.base != "char":
+            a = r.arg(toks[i + 2][1])
+            if a is None or a.base != "char":
                 raise DeclError(f"{where}: len() takes a character argument")
             out.append(f"vek::frame::wide({a.param}_len)")
             i += 4

@@ -122,6 +122,8 @@ def emit_messages(r: Routine) -> list[str]:
 
 
 def check_value(r: Routine, name: str) -> str:
+    if name.startswith("len("):
+        return f"{name[4:-1].lower()}_len"
     a = r.arg(name)
     return f"std::string_view({a.param}, static_cast<size_t>(std::max<int64_t>({a.param}_len, 0)))" \
         if a.base == "char" else f"*{a.param}"
@@ -135,7 +137,7 @@ def emit_worker(r: Routine) -> list[str]:
     if r.ifail:
         out.append("  vek::frame::ErrorBuffer err(errbuf, errbuf_len, ierr);")
         if r.gated:
-            out.append(f"  if (!err.licensed({c_string(r.name.upper() + 'N')})) [[unlikely]] return {failed};")
+            out.append(f"  if (!err.licensed({c_string(r.name.upper() + 'N')})) [[unlikely]] return{(' ' + failed) if failed else ''};")
     by_name = {m.name: m for m in r.messages}
     for c in r.checks:
         cond = translate(c.expr, r, c.where)

@@ -9,6 +9,8 @@ C_TYPES = {"int": "int64_t", "logical": "int64_t", "real": "double", "single": "
            "complex": "vek_complex", "scomplex": "vek_scomplex", "char": "char"}
 INTENTS = ("in", "out", "inout")
 IDENT_RE = re.compile(r"\b[A-Z][A-Z0-9_]*\b")
+# A value in a message record: {NAME}, {NAME:TYPE} or {len(CH)}, the length of a character argument.
+VALUE_RE = re.compile(r"\{([A-Za-z_][A-Za-z0-9_]*|len\([A-Z][A-Z0-9_]*\))(?::[a-z0-9]+)?\}")
 
 
 class DeclError(Exception):
@@ -99,12 +101,11 @@ class Message:
     def numbered_records(self) -> list[str]:
         """The records with each value written {k}, k its position in the error buffer."""
         index = {v.name: k for k, v in enumerate(self.values, 1)}
-        return [re.sub(r"\{([A-Za-z_][A-Za-z0-9_]*)(?::[a-z0-9]+)?\}", lambda m: f"{{{index[m.group(1)]}}}", r)
-                for r in self.records]
+        return [VALUE_RE.sub(lambda m: f"{{{index[m.group(1)]}}}", r) for r in self.records]
 
     def shown_records(self) -> list[str]:
         """The records as the reference shows them: {NAME} without a type."""
-        return [re.sub(r"\{([A-Za-z_][A-Za-z0-9_]*)(?::[a-z0-9]+)?\}", r"{\1}", r) for r in self.records]
+        return [VALUE_RE.sub(r"{\1}", r) for r in self.records]
 
 
 @dataclass

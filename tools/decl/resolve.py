@@ -13,7 +13,7 @@ ERRBUF_LENGTH = 200
 MAX_VALUES = 9        # the parser of the error buffer keeps 12 fields: IFAIL, number, count and 9 values
 LINE_LENGTH = 80      # a field longer than a message line is cut
 VALUE_RE = re.compile(r"\{([^}]*)\}")
-VALUE_SPEC_RE = re.compile(r"^([A-Za-z_][A-Za-z0-9_]*)(?::(int|real|letter|char(\d+)?))?$")
+VALUE_SPEC_RE = re.compile(r"^([A-Za-z_][A-Za-z0-9_]*|len\(([A-Z][A-Z0-9_]*)\))(?::(int|real|letter|char(\d+)?))?$")
 
 
 def expand(items: list, groups: dict, where_used: str, seen: tuple = ()) -> list:
@@ -35,7 +35,11 @@ def value_of(spec: str, r: Routine, where: str) -> Value:
     m = VALUE_SPEC_RE.match(spec)
     if not m:
         raise DeclError(f"{where}: '{{{spec}}}' is not {{NAME}} or {{NAME:TYPE}} (int, real, letter, char, charN)")
-    name, kind, limit = m.group(1), m.group(2), m.group(3)
+    name, of, kind, limit = m.group(1), m.group(2), m.group(3), m.group(4)
+    if of is not None:
+        if r.arg(of) is None or r.arg(of).base != "char" or kind not in (None, "int"):
+            raise DeclError(f"{where}: {{{spec}}}: len() of a character argument, an integer")
+        return Value(name, "int")
     if kind is None:
         a = r.arg(name)
         if a is None or not a.is_scalar or a.base not in ("int", "logical", "real", "char"):
@@ -108,7 +112,7 @@ def resolve_routine(r: Routine, groups: dict):
         if len(words) != 1 or words[0] not in by_name:
             raise DeclError(f"{c.where}: check fails with '{c.target}', which is no message of {r.name}")
         for v in by_name[words[0]].values:
-            if not (r.arg(v.name) and r.arg(v.name).is_scalar):
+            if not (v.name.startswith("len(") or r.arg(v.name) and r.arg(v.name).is_scalar):
                 raise DeclError(f"{c.where}: message {words[0]} shows {{{v.name}}}, which a check cannot supply "
                                 f"(not a scalar argument); raise it from the body")
     for s in r.states:
