@@ -132,12 +132,12 @@ def check_value(r: Routine, name: str) -> str:
 def emit_worker(r: Routine) -> list[str]:
     """The worker of a routine with a body: licence gate (IFAIL routines), the declared checks in order (the
     first failure returns), then the body."""
-    failed = "{}" if r.returns else ""
+    give_up = "return {};" if r.returns else "return;"  # a function routine returns 0 on a failure
     out = [f"{r.ret_type()} {r.name}n_({', '.join(r.worker_params())}) {{"]
     if r.ifail:
         out.append("  vek::frame::ErrorBuffer err(errbuf, errbuf_len, ierr);")
         if r.gated:
-            out.append(f"  if (!err.licensed({c_string(r.name.upper() + 'N')})) [[unlikely]] return{(' ' + failed) if failed else ''};")
+            out.append(f"  if (!err.licensed({c_string(r.name.upper() + 'N')})) [[unlikely]] {give_up}")
     by_name = {m.name: m for m in r.messages}
     for c in r.checks:
         cond = translate(c.expr, r, c.where)
@@ -150,14 +150,13 @@ def emit_worker(r: Routine) -> list[str]:
             m = by_name[words[0]]
             values = "".join(", " + check_value(r, v.name) for v in m.values)
             report = f"err.fail(vek::routines::{r.name}::{m.name}{values})"
-        out += [f"  if (!({cond})) [[unlikely]] {{  // {c.expr}", f"    {report};", f"    return{(' ' + failed) if failed else ''};", "  }"]
+        out += [f"  if (!({cond})) [[unlikely]] {{  // {c.expr}", f"    {report};", f"    {give_up}", "  }"]
     call = f"vek::routines::{r.name}::run({r.body_call()})"
     if not r.ifail:
         return out + [f"  return {call};", "}"]
     # Workspace that cannot be had is reported as -999; the body's containers have been freed by then.
     return out + ["  try {", f"    return {call};", "  } catch (const std::bad_alloc&) {", "    err.fail_allocation();",
-                  f"    return {failed};", "  }", "}"]
-    return out
+                  f"    {give_up}", "  }", "}"]
 
 
 def emit_layers(chapter: Chapter, routines_by_symbol: dict) -> str:

@@ -8,7 +8,6 @@ from pathlib import Path
 C_TYPES = {"int": "int64_t", "logical": "int64_t", "real": "double", "single": "float",
            "complex": "vek_complex", "scomplex": "vek_scomplex", "char": "char"}
 INTENTS = ("in", "out", "inout")
-IDENT_RE = re.compile(r"\b[A-Z][A-Z0-9_]*\b")
 # A value in a message record: {NAME}, {NAME:TYPE} or {len(CH)}, the length of a character argument.
 VALUE_RE = re.compile(r"\{([A-Za-z_][A-Za-z0-9_]*|len\([A-Z][A-Z0-9_]*\))(?::[a-z0-9]+)?\}")
 
@@ -32,6 +31,7 @@ class Arg:
     length: str | None  # None: scalar; "*": array of unknown length; else a C++ expression over arguments
     owner: str = ""     # the routine, for the names of a callback's types
     callback: Callback | None = None
+    where: str = ""     # file:line of its declaration
 
     @property
     def param(self) -> str:
@@ -128,6 +128,7 @@ class State:
     """A caller-owned communication array and the meaning of its elements."""
     array: str
     where: str
+    length: int      # the array's declared length
     fields: list[Field] = field(default_factory=list)
 
 

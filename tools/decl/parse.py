@@ -11,6 +11,10 @@ from .model import (C_TYPES, INTENTS, Arg, Callback, Chapter, Check, DeclError, 
 TYPE_RE = re.compile(r"^(int|logical|real|single|complex|scomplex|char)(?:\[(.+)\])?$")
 NAME_RE = re.compile(r"^[a-z][a-z0-9_]*$")
 FIELD_RE = re.compile(r"^(\d+)(?::(\d+))?$")
+SYMBOL_RE = re.compile(r"^[a-z_][a-z0-9_]*$")
+ARG_RE = re.compile(r"^[A-Z][A-Z0-9_]*$")
+RESERVED_IFAIL = (0, -99, -399, -999)
+RECORD_LENGTH = 79  # a record is written after one blank in an 80-character line
 
 
 def parse_type(text: str, where: str):
@@ -18,6 +22,23 @@ def parse_type(text: str, where: str):
     if not m:
         raise DeclError(f"{where}: unknown type '{text}'")
     return m.group(1), m.group(2)
+
+
+def arg_name(text: str, where: str) -> str:
+    name = text.upper()
+    if not ARG_RE.match(name):
+        raise DeclError(f"{where}: argument name '{text}' is not a Fortran name")
+    return name
+
+
+def check_record(rec: str, where: str):
+    """A record's own text (without its values) must fit the line, and braces only enclose values."""
+    fixed = re.sub(r"\{[^{}]*\}", "", rec)
+    if "{" in fixed or "}" in fixed:
+        raise DeclError(f"{where}: record '{rec}' has a brace that encloses no value")
+    if len(fixed) > RECORD_LENGTH:
+        raise DeclError(f"{where}: record '{rec}' has {len(fixed)} characters without its values; a record holds "
+                        f"{RECORD_LENGTH}")
 
 
 def parse_int(text: str, what: str, where: str) -> int:
@@ -84,8 +105,8 @@ class Parser:
     def kw_routine(self, rest, where, kind="routine"):
         if self.group is not None:
             raise DeclError(f"{where}: group {self.group.name} has no 'end'")
-        if not rest:
-            raise DeclError(f"{where}: '{kind}' needs a name")
+        if not rest or not SYMBOL_RE.match(rest[0].lower()):
+            raise DeclError(f"{where}: '{kind}' needs a name (letters, digits, underscores)")
         r = Routine(rest[0].lower(), kind, self.chapter.name, where)
         opts = rest[1:]
         while opts:
@@ -104,6 +125,8 @@ class Parser:
                     raise DeclError(f"{where}: only internal routines may return char")
             else:
                 raise DeclError(f"{where}: unexpected '{opt}'")
+        if not r.gated and not r.ifail:
+            raise DeclError(f"{where}: 'ungated' concerns the licence gate of an ifail routine")
         self.chapter.routines.append(r)
         self.routine = r
 
@@ -111,7 +134,7 @@ class Parser:
         self.kw_routine(rest, where, kind="internal")
 
     def kw_published(self, rest, where):
-        if len(rest) != 2:
+        if len(rest) != 2 or not all(SYMBOL_RE.match(w.lower()) for w in rest):
             raise DeclError(f"{where}: 'published NAME TARGET'")
         self.chapter.published.append(Published(rest[0].lower(), rest[1].lower(), where))
         self.routine = None
@@ -132,7 +155,11 @@ class Parser:
         a = r.arg(rest[0].upper())
         if a is None or a.length in (None, "*") or a.callback or a.base in ("char",):
             raise DeclError(f"{where}: state {rest[0]} is not an array argument of known length declared above")
-        self.state = State(a.name, where)
+        if not a.length.isdigit():
+            raise DeclError(f"{where}: state {a.name}[{a.length}]: declare the array with a literal length")
+        if any(s.array == a.name for s in r.states):
+            raise DeclError(f"{where}: state {a.name} declared twice")
+        self.state = State(a.name, where, int(a.length))
         r.states.append(self.state)
 
     def kw_end(self, rest, where):
@@ -143,6 +170,8 @@ class Parser:
                 raise DeclError(f"{where}: state {self.state.array} declares no field")
             self.state = None
         elif self.group is not None:
+            if not self.group.items:
+                raise DeclError(f"{where}: group {self.group.name} declares nothing")
             self.group = None
         else:
             raise DeclError(f"{where}: 'end' without a group or state")
@@ -158,11 +187,11 @@ class Parser:
         r = self.current(intent, where)
         if len(rest) != 2:
             raise DeclError(f"{where}: '{intent} NAME TYPE'")
-        name = rest[0].upper()
+        name = arg_name(rest[0], where)
         if r.arg(name):
             raise DeclError(f"{where}: argument {name} declared twice")
         base, length = parse_type(rest[1], where)
-        r.args.append(Arg(name, intent, base, length))
+        r.args.append(Arg(name, intent, base, length, where=where))
 
     def kw_callback(self, rest, where):
         # callback NAME [returns TYPE] adapter SUFFIX, then its arguments as 'param INTENT NAME TYPE' lines
@@ -172,10 +201,12 @@ class Parser:
         returns = rest[2] if rest[1] == "returns" else None
         if returns is not None and returns not in C_TYPES or returns == "char":
             raise DeclError(f"{where}: a user function returns a number or nothing")
-        name = rest[0].upper()
+        name = arg_name(rest[0], where)
         if r.arg(name):
             raise DeclError(f"{where}: argument {name} declared twice")
-        r.args.append(Arg(name, "in", "callback", None, r.name, Callback(returns, rest[-1])))
+        if not SYMBOL_RE.match(rest[-1]):
+            raise DeclError(f"{where}: adapter suffix '{rest[-1]}' is not an identifier")
+        r.args.append(Arg(name, "in", "callback", None, r.name, Callback(returns, rest[-1]), where))
 
     def kw_param(self, rest, where):
         r = self.current("param", where)
@@ -184,7 +215,13 @@ class Parser:
         base, length = parse_type(rest[2], where)
         if base == "char":
             raise DeclError(f"{where}: user functions take no character arguments")
-        r.args[-1].callback.params.append(Arg(rest[1].upper(), rest[0], base, length))
+        cb = r.args[-1].callback
+        name = arg_name(rest[1], where)
+        if name == "F":
+            raise DeclError(f"{where}: parameter F would be the adapter's own function: choose another name")
+        if any(p.name == name for p in cb.params):
+            raise DeclError(f"{where}: parameter {name} declared twice")
+        cb.params.append(Arg(name, rest[0], base, length, where=where))
 
     def kw_forwards(self, rest, where):
         if len(rest) != 1:
@@ -198,6 +235,8 @@ class Parser:
         a = r.arg(rest[0].upper())
         if a is None or a.base != "int" or not a.is_scalar or a.intent != "inout":
             raise DeclError(f"{where}: flag {rest[0]} is not an inout integer scalar declared above")
+        if r.flag is not None:
+            raise DeclError(f"{where}: {r.name} has a flag already ({r.flag})")
         r.flag = a.name
 
     def kw_illegal(self, rest, where):
@@ -205,6 +244,7 @@ class Parser:
         if not rest:
             raise DeclError(f"{where}: 'illegal \"record\" ...'")
         for rec in rest:
+            check_record(rec, where)
             for name in re.findall(r"\{([^}]*)\}", rec):
                 if name not in ("ROUTINE", "NUMBER", "VALUE"):
                     raise DeclError(f"{where}: an illegal-argument record shows {{ROUTINE}}, {{NUMBER}} or "
@@ -217,8 +257,15 @@ class Parser:
             raise DeclError(f"{where}: 'message NAME IFAIL MSGNO \"record\" ...'")
         if not NAME_RE.match(rest[0]):
             raise DeclError(f"{where}: message name '{rest[0]}' is not a lower-case identifier")
-        owner.items.append(Message(rest[0], parse_int(rest[1], "IFAIL", where),
-                                   parse_int(rest[2], "message number", where), rest[3:], where))
+        ierr, msgno = parse_int(rest[1], "IFAIL", where), parse_int(rest[2], "message number", where)
+        if ierr in RESERVED_IFAIL or not -9999 <= ierr <= 99999:
+            raise DeclError(f"{where}: IFAIL {ierr} is not a failure of its own: 0 is success, -99, -399 and -999 "
+                            "belong to the entry layer, and the error buffer holds 5 columns")
+        if not 1 <= msgno <= 99999:
+            raise DeclError(f"{where}: message number {msgno} lies outside 1 to 99999 (5 columns)")
+        for rec in rest[3:]:
+            check_record(rec, where)
+        owner.items.append(Message(rest[0], ierr, msgno, rest[3:], where))
 
     def kw_use(self, rest, where):
         if len(rest) != 1:
@@ -246,9 +293,15 @@ class Parser:
         last = int(m.group(2) or first)
         if first < 1 or last < first:
             raise DeclError(f"{where}: field elements {words[2]} are not a range from 1 up")
+        if last > self.state.length:
+            raise DeclError(f"{where}: field {words[1]} ({first}:{last}) lies outside {self.state.array}"
+                            f"[{self.state.length}]")
         name = words[1].lower()
         if any(f.name == name for f in self.state.fields):
             raise DeclError(f"{where}: field {name} declared twice")
+        for f in self.state.fields:
+            if first <= f.last and f.first <= last:
+                raise DeclError(f"{where}: field {name} ({first}:{last}) overlaps field {f.name} ({f.first}:{f.last})")
         self.state.fields.append(Field(name, first, last, comment.strip()))
 
 

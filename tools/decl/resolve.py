@@ -6,9 +6,16 @@ from __future__ import annotations
 import copy
 import re
 
-from .checks import translate
-from .model import IDENT_RE, Chapter, Check, DeclError, Illegal, Message, Routine, Use, Value
+from .checks import check_length, translate
+from .model import Chapter, Check, DeclError, Illegal, Message, Routine, Use, Value
 
+CPP_KEYWORDS = set("""alignas alignof and and_eq asm auto bitand bitor bool break case catch char char8_t char16_t
+char32_t class compl concept const consteval constexpr constinit const_cast continue co_await co_return co_yield
+decltype default delete do double dynamic_cast else enum explicit export extern false float for friend goto if
+inline int long mutable namespace new noexcept not not_eq nullptr operator or or_eq private protected public
+register reinterpret_cast requires return short signed sizeof static static_assert static_cast struct switch
+template this thread_local throw true try typedef typeid typename union unsigned using virtual void volatile
+wchar_t while xor xor_eq""".split())
 ERRBUF_LENGTH = 200
 MAX_VALUES = 9        # the parser of the error buffer keeps 12 fields: IFAIL, number, count and 9 values
 LINE_LENGTH = 80      # a field longer than a message line is cut
@@ -115,21 +122,34 @@ def resolve_routine(r: Routine, groups: dict):
             if not (v.name.startswith("len(") or r.arg(v.name) and r.arg(v.name).is_scalar):
                 raise DeclError(f"{c.where}: message {words[0]} shows {{{v.name}}}, which a check cannot supply "
                                 f"(not a scalar argument); raise it from the body")
-    for s in r.states:
-        for f in s.fields:
-            if not r.arg(s.array).length.isdigit() or f.last > int(r.arg(s.array).length):
-                raise DeclError(f"{s.where}: field {f.name} ({f.first}:{f.last}) lies outside {s.array}"
-                                f"[{r.arg(s.array).length}]: declare the array with a literal length")
+
+
+def check_names(r: Routine):
+    """Every parameter and local name of the generated layers and of the body is distinct and no C++ keyword."""
+    taken = {"trace_level": "the trace wrapper", "trace_rec": "the trace wrapper", "trace_value": "the trace wrapper"}
+    if r.ifail:
+        taken.update({n: "the IFAIL layers" for n in ("ifail", "errbuf", "ierr", "errbuf_len", "err")})
+        if r.returns:
+            taken["value"] = "the entry of an IFAIL function"
+    if r.returns == "char":
+        taken.update({"result": "the character result", "result_len": "the character result"})
+    for a in r.args:
+        for name in [a.param] + [f"{a.param}_len"] * (a.base == "char") + [f"{a.param}_adapter"] * bool(a.callback):
+            if name in CPP_KEYWORDS:
+                raise DeclError(f"{a.where}: argument {a.name} of {r.name} is a C++ keyword")
+            if name in taken:
+                raise DeclError(f"{a.where}: argument {a.name} of {r.name} gives the name '{name}', taken by "
+                                f"{taken[name]}")
+            taken[name] = f"argument {a.name}"
+        for p in a.callback.params if a.callback else []:
+            if p.param in CPP_KEYWORDS:
+                raise DeclError(f"{p.where}: parameter {p.name} of {a.name} is a C++ keyword")
 
 
 def check_lengths(r: Routine):
-    names = {a.name: a for a in r.args}
     for a in r.args:
-        if a.length in (None, "*"):
-            continue
-        for ident in IDENT_RE.findall(a.length):
-            if ident not in names or names[ident].base not in ("int", "logical") or names[ident].length:
-                raise DeclError(f"{r.where}: length of {a.name} uses '{ident}', not an integer scalar argument")
+        if a.length not in (None, "*"):
+            check_length(a.length, r, a.where)
 
 
 def resolve(chapters: list[Chapter]):
@@ -141,5 +161,6 @@ def resolve(chapters: list[Chapter]):
             groups[g.name] = g
     for ch in chapters:
         for r in ch.routines:
+            check_names(r)
             check_lengths(r)
             resolve_routine(r, groups)
