@@ -31,10 +31,19 @@ std::string show_value(std::string_view value, int64_t limit, bool keep_leading 
 void append_text(std::string& fields, std::string_view v, int64_t limit);
 
 // How each kind of message value enters the buffer; a declared message lists one per value, and fail()
-// accepts exactly those.
+// accepts exactly those. A character is no integer, and a text is never a bare pointer: a Fortran text has
+// no terminating NUL, so it is passed as a std::string_view of its hidden length.
+template <class A>
+inline constexpr bool is_character_v =
+    std::is_same_v<A, char> || std::is_same_v<A, signed char> || std::is_same_v<A, unsigned char> ||
+    std::is_same_v<A, wchar_t> || std::is_same_v<A, char8_t> || std::is_same_v<A, char16_t> ||
+    std::is_same_v<A, char32_t>;
+template <class A>
+inline constexpr bool is_text_v = std::is_convertible_v<const A&, std::string_view> && !std::is_pointer_v<A>;
+
 struct IntValue {
   template <class A>
-  static constexpr bool accepts = std::is_integral_v<A> && !std::is_same_v<A, bool>;
+  static constexpr bool accepts = std::is_integral_v<A> && !std::is_same_v<A, bool> && !is_character_v<A>;
   static void append(std::string& fields, int64_t v);
 };
 struct RealValue {
@@ -46,13 +55,13 @@ struct RealValue {
 template <int64_t Limit>
 struct TextValue {
   template <class A>
-  static constexpr bool accepts = std::is_convertible_v<const A&, std::string_view>;
+  static constexpr bool accepts = is_text_v<A>;
   static void append(std::string& fields, std::string_view v) { append_text(fields, v, Limit); }
 };
 // The first character of an option argument.
 struct LetterValue {
   template <class A>
-  static constexpr bool accepts = std::is_convertible_v<const A&, std::string_view>;
+  static constexpr bool accepts = is_text_v<A>;
   static void append(std::string& fields, std::string_view v) { append_text(fields, v.substr(0, 1), kLineLength); }
 };
 // A declared message: its IFAIL value and message number, and the kinds of its values in buffer order. The
