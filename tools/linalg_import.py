@@ -9,6 +9,8 @@ prototypes and the published-name table from these declarations.
 
 The LAPACK prototypes come from Debian's liblapacke-dev (lapack.h): run it again after changing the table,
   python3 tools/linalg_import.py [--lapack-h PATH]
+The build's test tools_linalg_decls_current writes them with --out into the build tree and fails when the
+committed files differ.
 """
 import argparse
 import re
@@ -359,25 +361,31 @@ def emit_decl(chapter: str, routines: list[Routine]) -> str:
 
 
 def write(path: Path, text: str):
+    path.parent.mkdir(parents=True, exist_ok=True)
     if not path.exists() or path.read_text() != text:
         path.write_text(text)
-        print(f"wrote {path.relative_to(ROOT)}")
+        print(f"wrote {path}")
 
 
 def default_header() -> Path:
-    files = subprocess.run(["dpkg", "-L", "liblapacke-dev"], capture_output=True, text=True, check=True).stdout
-    return Path(next(f for f in files.split() if f.endswith("/lapack.h")))
+    listing = subprocess.run(["dpkg", "-L", "liblapacke-dev"], capture_output=True, text=True)
+    header = next((f for f in listing.stdout.split() if f.endswith("/lapack.h")), None)
+    if listing.returncode != 0 or header is None:
+        raise SystemExit("linalg_import: lapack.h of liblapacke-dev not found (tools/deps.sh installs it), "
+                         "or give --lapack-h PATH")
+    return Path(header)
 
 
 def main() -> int:
     ap = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     ap.add_argument("--lapack-h", type=Path)
+    ap.add_argument("--out", type=Path, default=ROOT / "src/exports", help="folder of the .decl files written")
     args = ap.parse_args()
     header = (args.lapack_h or default_header()).read_text()
     routines = read_table(header)
     chapters = OrderedDict((c, [r for r in routines if r.chapter == c]) for c in ("f06", "f07", "f08"))
     for chapter, rs in chapters.items():
-        write(ROOT / "src/exports" / f"{chapter}.decl", emit_decl(chapter, rs))
+        write(args.out / f"{chapter}.decl", emit_decl(chapter, rs))
     print(f"{len(routines)} published names, {len({r.library for r in routines})} library routines")
     return 0
 

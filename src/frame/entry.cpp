@@ -10,6 +10,12 @@
 #include "frame/text.h"
 #include "frame/units.h"
 
+// The message-coverage test's log: a test program linked with the static library defines this and is told of
+// every declared message an entry reports. Weak and hidden, it is neither exported by nor needed from the
+// shared library, where it stays null.
+extern "C" [[gnu::weak, gnu::visibility("hidden")]] void vek_message_reported(const char* routine, int64_t ierr,
+                                                                             int64_t msgno);
+
 namespace vek::frame {
 namespace {
 
@@ -49,6 +55,7 @@ int64_t report_failure(int64_t ifail_on_entry, int64_t ierr, const char* errbuf,
       }
     }
     if (found != nullptr) {
+      if (vek_message_reported != nullptr) vek_message_reported(srname, ierr, found->msgno);
       std::string_view all(found->records);
       for (size_t start = 0; start <= all.size();) {
         const size_t end = std::min(all.find('\n', start), all.size());
