@@ -156,3 +156,24 @@ TEST(Units, ReopeningAUnitClosesItsFile) {
   EXPECT_EQ(file_lines(a), (Lines{"to a", "still a"}));
   EXPECT_EQ(file_lines(b), Lines{"to b"});
 }
+
+TEST(Units, CloseReportsARecordThatCannotBeWritten) {
+  // The device that is always full takes the records into the buffer; the flush at the close fails.
+  if (std::FILE* probe = std::fopen("/dev/full", "w")) {
+    std::fclose(probe);
+  } else {
+    GTEST_SKIP() << "no /dev/full";
+  }
+  EXPECT_EQ(open_file(16, "/dev/full", 1), 0);
+  int64_t unit = 16, ifail = -1;
+  // Written inside the capture, which flushes every stream when it starts.
+  EXPECT_EQ(console_lines([&] {
+              write(16, "lost");
+              x04adf_(&unit, &ifail);
+            }),
+            (Lines{" ** Cannot close file associated with channel 16.",
+                   " ** ABNORMAL EXIT from VEK Library routine X04ADF: IFAIL =     1",
+                   " ** VEK soft failure - control returned"}));
+  EXPECT_EQ(ifail, 1);
+  EXPECT_EQ(close_file(16), 0);  // the unit is free again
+}

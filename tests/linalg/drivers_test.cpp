@@ -208,6 +208,45 @@ TEST(F04bbf, EveryMessage) {
   }
 }
 
+TEST(F04bbf, SingularAndIllConditionedBands) {
+  // Tridiagonal 3 by 3 matrices in band storage (KL = KU = 1, LDAB = 4): A(i,j) is ab[2 + i - j + 4 j].
+  const auto band = [](const std::vector<double>& dense) {
+    std::vector<double> ab(12, 0.0);
+    for (int j = 0; j < 3; ++j)
+      for (int i = std::max(0, j - 1); i <= std::min(2, j + 1); ++i) ab[2 + i - j + 4 * j] = dense[i + 3 * j];
+    return ab;
+  };
+  const int64_t n = 3, kl = 1, ku = 1, nrhs = 1, ldab = 4;
+  std::vector<int64_t> ipiv(3);
+  double rcond = -1, errbnd = -1;
+  int64_t ifail = -1;
+  {
+    // A zero first column: the first pivot is exactly zero whatever the row interchanges.
+    std::vector<double> ab = band({0, 0, 0, 1, 2, 1, 0, 1, 3}), b(3, 1.0);
+    vek::testing::UnitCapture capture;
+    f04bbf_(&n, &kl, &ku, &nrhs, ab.data(), &ldab, ipiv.data(), b.data(), &n, &rcond, &errbnd, &ifail);
+    EXPECT_EQ(ifail, 2);
+    EXPECT_EQ(capture.lines(), report({"** The factor U is singular: U(1,1) is exactly zero.",
+                                       "** No solution has been computed."},
+                                      "F04BBF", 2));
+  }
+  {
+    // Rows 1 and 2 differ by one unit in the last place, as in F04BAF's case.
+    std::vector<double> ab = band({1, 1, 0, 1, 1 + 0x1p-52, 0, 0, 0, 1}), b(3, 1.0);
+    ifail = -1;
+    vek::testing::UnitCapture capture;
+    f04bbf_(&n, &kl, &ku, &nrhs, ab.data(), &ldab, ipiv.data(), b.data(), &n, &rcond, &errbnd, &ifail);
+    EXPECT_EQ(ifail, 3);
+    const std::vector<std::string> lines = capture.lines();
+    ASSERT_EQ(lines.size(), 4u);
+    const std::string head = " ** A solution has been computed, but RCOND = ";
+    ASSERT_EQ(lines[0].substr(0, head.size()), head);
+    EXPECT_EQ(std::strtod(lines[0].c_str() + head.size(), nullptr), rcond) << "the shown value reads back";
+    EXPECT_EQ(lines[1], " ** is less than machine precision: A is singular to working precision.");
+    EXPECT_LT(rcond, 0x1p-53);
+  }
+}
+
 TEST(F04bdf, SolvesWithEitherTriangleAndReportsEveryMessage) {
   const int64_t n = 3, nrhs = 1;
   const std::vector<double> spd = {4, 2, 0, 2, 5, 1, 0, 1, 3}, x0 = {1, -2, 0.5};
