@@ -36,9 +36,9 @@ def routine_doc(r: Routine) -> list[str]:
     if r.ifail:
         out.append("| IFAIL | inout | int | |")
     if r.flag:
-        out += ["", f"Reverse communication: {r.flag} = 0 on return means finished; any other value asks the "
-                    "caller to evaluate and call again. The trace shows only "
-                    f"{r.flag} on the intermediate returns."]
+        out += ["", f"Reverse communication: {r.flag} = 0 on return means finished (successfully or with IFAIL "
+                    "set: every failure sets it to 0); any other value asks the caller to evaluate and call "
+                    f"again. The trace shows only {r.flag} on the intermediate returns."]
     for s in r.states:
         out += ["", f"Communication array {s.array}, kept by the caller between calls:", "",
                 "| element | field | meaning |", "|---|---|---|"]
