@@ -39,6 +39,11 @@ BracketStep end(int64_t& ind, BracketOutcome outcome) {
   return {outcome};
 }
 
+BracketStep no_sign_change(int64_t& ind, double f_first, double f_second) {
+  ind = ind::finished;
+  return {BracketOutcome::same_sign, f_first, f_second};
+}
+
 // From a bracket [b, c] with f(b), f(c) of opposite signs: converged (X := b, one more evaluation there),
 // stuck at rounding level, or the next point to evaluate.
 BracketStep iterate(BracketState s, Bracket k, double& x, double& y, double tolx, ErrorTest test, int64_t& ind) {
@@ -98,21 +103,21 @@ BracketStep iterate(BracketState s, Bracket k, double& x, double& y, double tolx
   return ask(ind, ind::iterate_value);
 }
 
-// The second starting value fb (at b = C(4)) has arrived; f at the first point a is in C(2).
-BracketStep second_value(BracketState s, double fb, double& x, double& y, double tolx, ErrorTest test, int64_t& ind) {
-  if (same_sign(s.fa(), fb)) {
-    ind = ind::finished;
-    return {BracketOutcome::same_sign, s.fa(), fb};
-  }
+// The second starting value fb (at b = C(4)) has arrived, f at the first point a is in C(2): the first bracket,
+// or false when the two values do not change sign.
+bool first_bracket(BracketState s, double fb, Bracket& k) {
+  if (same_sign(s.fa(), fb)) return false;
   s.fmax() = std::fmax(s.fmax(), std::abs(fb));  // a NaN value does not count
-  Bracket k{s.a(), s.fa(), s.b(), fb, 0, 0, 0, 0};
+  k = {s.a(), s.fa(), s.b(), fb, 0, 0, 0, 0};
   k.restart_from_a();
-  return iterate(s, k, x, y, tolx, test, ind);
+  return true;
 }
 
 }  // namespace
 
+// Each case either ends, asks for a value, or sets up the bracket for the one iteration step at the end.
 BracketStep bracket_step(BracketState s, double& x, double& y, double fx, double tolx, ErrorTest test, int64_t& ind) {
+  Bracket k{};
   switch (ind) {
     case ind::start:
       s.a() = x;
@@ -134,7 +139,9 @@ BracketStep bracket_step(BracketState s, double& x, double& y, double fx, double
       s.b() = x;
       if (!values_given) return ask(ind, ind::second_value);
       ind = ind::second_value;
-      return second_value(s, s.fy(), x, y, tolx, test, ind);  // a given f(Y) = 0 is no exact zero
+      // The given f(Y) goes on as the second value at once; 0 there is no exact zero, only non-positive.
+      if (!first_bracket(s, s.fy(), k)) return no_sign_change(ind, s.fa(), s.fy());
+      break;
     }
 
     case ind::second_value:
@@ -142,9 +149,10 @@ BracketStep bracket_step(BracketState s, double& x, double& y, double fx, double
         y = x;
         return end(ind, BracketOutcome::zero);
       }
-      return second_value(s, fx, x, y, tolx, test, ind);
+      if (!first_bracket(s, fx, k)) return no_sign_change(ind, s.fa(), fx);
+      break;
 
-    default: {  // ind::iterate_value, the only other value the checks admit
+    default:  // ind::iterate_value, the only other value the checks admit
       if (fx == 0.0) {
         y = x;
         return end(ind, BracketOutcome::zero);
@@ -152,11 +160,11 @@ BracketStep bracket_step(BracketState s, double& x, double& y, double fx, double
       if (s.converged() != 0.0) {  // the final evaluation at the converged point
         return end(ind, std::abs(fx) <= s.fmax() ? BracketOutcome::zero : BracketOutcome::pole);
       }
-      Bracket k{s.a(), s.fa(), s.b(), fx, s.c(), s.fc(), s.d(), s.e()};
+      k = {s.a(), s.fa(), s.b(), fx, s.c(), s.fc(), s.d(), s.e()};
       if (same_sign(k.fb, k.fc)) k.restart_from_a();
-      return iterate(s, k, x, y, tolx, test, ind);
-    }
+      break;
   }
+  return iterate(s, k, x, y, tolx, test, ind);
 }
 
 }  // namespace vek::zeros_quad
