@@ -319,7 +319,7 @@ TEST(ZeroEdges, DriverAccuracyOnStandardFunctions) {
   };
   const Known known[] = {
       {[](double x) { return std::exp(x) - 2.0; }, 0.0, 3.0, std::log(2.0)},
-      {[](double x) { return std::cos(x) - x; }, 0.0, 1.0, 0.7390851332151606},
+      {[](double x) { return std::cos(x) - x; }, 0.0, 1.0, 0.7390851332151607},
       {[](double x) { return std::cos(x); }, 1.0, 3.0, std::acos(-1.0) / 2},
       {[](double x) { return x * x * x - 2.0; }, -1.0, 5.0, std::cbrt(2.0)},
   };
