@@ -35,12 +35,12 @@ BracketStep ask(int64_t& ind, int64_t what) {
 }
 
 BracketStep end(int64_t& ind, BracketOutcome outcome) {
-  ind = ind::finished;
+  ind = ind_state::finished;
   return {outcome};
 }
 
 BracketStep no_sign_change(int64_t& ind, double f_first, double f_second) {
-  ind = ind::finished;
+  ind = ind_state::finished;
   return {BracketOutcome::same_sign, f_first, f_second};
 }
 
@@ -63,7 +63,7 @@ BracketStep iterate(BracketState s, Bracket k, double& x, double& y, double tolx
     x = k.b;
     y = k.c;
     s.converged() = 1.0;
-    return ask(ind, ind::iterate_value);  // the final evaluation at b checks for a pole
+    return ask(ind, ind_state::iterate_value);  // the final evaluation at b checks for a pole
   }
   if (!(std::abs(xm) > constants::eps() * std::abs(k.b))) return end(ind, BracketOutcome::tolerance_too_small);
 
@@ -100,7 +100,7 @@ BracketStep iterate(BracketState s, Bracket k, double& x, double& y, double tolx
   s.e() = e;
   s.b() = next;
   x = next;
-  return ask(ind, ind::iterate_value);
+  return ask(ind, ind_state::iterate_value);
 }
 
 // The second starting value fb (at b = C(4)) has arrived, f at the first point a is in C(2): the first bracket,
@@ -119,17 +119,17 @@ bool first_bracket(BracketState s, double fb, Bracket& k) {
 BracketStep bracket_step(BracketState s, double& x, double& y, double fx, double tolx, ErrorTest test, int64_t& ind) {
   Bracket k{};
   switch (ind) {
-    case ind::start:
+    case ind_state::start:
       s.a() = x;
-      return ask(ind, ind::first_value);
+      return ask(ind, ind_state::first_value);
 
-    case ind::first_value:
-    case ind::start_with_values: {
+    case ind_state::first_value:
+    case ind_state::start_with_values: {
       if (fx == 0.0) {
         y = x;
         return end(ind, BracketOutcome::zero);
       }
-      const bool values_given = ind == ind::start_with_values;
+      const bool values_given = ind == ind_state::start_with_values;
       if (values_given) s.a() = x;
       s.fa() = fx;
       s.fmax() = std::abs(fx);
@@ -137,14 +137,14 @@ BracketStep bracket_step(BracketState s, double& x, double& y, double fx, double
       x = y;  // the second point is evaluated next
       y = s.a();
       s.b() = x;
-      if (!values_given) return ask(ind, ind::second_value);
-      ind = ind::second_value;
+      if (!values_given) return ask(ind, ind_state::second_value);
+      ind = ind_state::second_value;
       // The given f(Y) goes on as the second value at once; 0 there is no exact zero, only non-positive.
       if (!first_bracket(s, s.fy(), k)) return no_sign_change(ind, s.fa(), s.fy());
       break;
     }
 
-    case ind::second_value:
+    case ind_state::second_value:
       if (fx == 0.0) {
         y = x;
         return end(ind, BracketOutcome::zero);
@@ -152,7 +152,7 @@ BracketStep bracket_step(BracketState s, double& x, double& y, double fx, double
       if (!first_bracket(s, fx, k)) return no_sign_change(ind, s.fa(), fx);
       break;
 
-    default:  // ind::iterate_value, the only other value the checks admit
+    default:  // ind_state::iterate_value, the only other value the checks admit
       if (fx == 0.0) {
         y = x;
         return end(ind, BracketOutcome::zero);

@@ -20,14 +20,14 @@ namespace vek::zeros_quad {
 using BracketState = routines::c05azf::c_state;
 
 // The values of IND: what FX holds on entry, what the caller is asked for on return.
-namespace ind {
+namespace ind_state {
 inline constexpr int64_t finished = 0;
 inline constexpr int64_t start_with_values = -1;  // FX = f(X) and C(1) = f(Y) given
 inline constexpr int64_t start = 1;               // no value yet: f(X) is asked for
 inline constexpr int64_t first_value = 2;         // FX = f at the first point
 inline constexpr int64_t second_value = 3;        // FX = f at the second point
 inline constexpr int64_t iterate_value = 4;       // FX = f at the latest iterate (or the converged point)
-}  // namespace ind
+}  // namespace ind_state
 
 // The error test on the half-width xm of the bracket: |xm| <= TOLX max(r |b|, s).
 enum class ErrorTest : int64_t { mixed = 0, absolute = 1, relative = 2 };  // (r, s) = (1, 1), (0, 1), (1, 0)

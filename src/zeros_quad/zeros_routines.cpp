@@ -50,10 +50,10 @@ void c05ayf::run(frame::ErrorBuffer& err, const double* a, const double* b, cons
   const c05azf::c_state state(c);
   state.fy() = fa;
   double y = *a;
-  int64_t ind = zeros_quad::ind::start_with_values;
+  int64_t ind = zeros_quad::ind_state::start_with_values;
   const auto test = zeros_quad::ErrorTest::absolute;
   zeros_quad::BracketStep step = zeros_quad::bracket_step(state, *x, y, fb, *eps, test, ind);
-  while (ind != zeros_quad::ind::finished) {
+  while (ind != zeros_quad::ind_state::finished) {
     const double fx = f_at(*x);
     if (accepted(fx)) return;
     step = zeros_quad::bracket_step(state, *x, y, fx, *eps, test, ind);
