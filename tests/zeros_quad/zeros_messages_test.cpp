@@ -34,8 +34,8 @@ void check_cases(const std::string& routine, const std::vector<Case>& cases) {
 
 double square_minus_two(double x) { return x * x - 2.0; }
 
-// Runs c05azf from IND = 1 on f until IND = 0; returns the number of values asked for. tolx_in is the
-// tolerance passed; x, y the starting points.
+// Runs c05azf from IND = 1 on f, from the points x and y, until IND = 0, calling with the given IFAIL each
+// time; returns the number of values asked for and the final X in x_out (if not null).
 int run_kernel(double (*f)(double), double x, double y, double tolx, int64_t ir, int64_t* ifail, double* x_out) {
   double c[10] = {}, fx = 0.0;
   int64_t ind = 1;
