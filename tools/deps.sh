@@ -3,7 +3,7 @@
 set -euo pipefail
 packages=(
   g++ gfortran cmake ninja-build pkg-config python3 python3-mpmath
-  libgtest-dev libgmock-dev libbenchmark-dev
+  libgtest-dev libgmock-dev libbenchmark-dev libgsl-dev
   libopenblas64-openmp-dev libblas64-test liblapack64-test liblapacke-dev liblapack64-3
 )
 missing=()

@@ -35,10 +35,17 @@ def routine_doc(r: Routine) -> list[str]:
         out.append(f"| {a.name} | {a.intent} | {a.base} | {cell(a.length or '')} |")
     if r.ifail:
         out.append("| IFAIL | inout | int | |")
+    for a in r.args:
+        if a.callback:  # its arguments, which the argument table does not show
+            ret = f" returns {a.callback.returns}" if a.callback.returns else ""
+            params = ", ".join(f"{p.intent} {p.name} {p.base}{'' if p.length is None else f'[{p.length}]'}"
+                               for p in a.callback.params)
+            out += ["", f"User function `{a.name}({', '.join(p.name for p in a.callback.params)})`{ret}, called "
+                        f"through the adapter `{a.adapter_symbol}`: {params}."]
     if r.flag:
-        out += ["", f"Reverse communication: {r.flag} = 0 on return means finished; any other value asks the "
-                    "caller to evaluate and call again. The trace shows only "
-                    f"{r.flag} on the intermediate returns."]
+        out += ["", f"Reverse communication: {r.flag} = 0 on return means finished (successfully or with IFAIL "
+                    "set: every failure sets it to 0); any other value asks the caller to evaluate and call "
+                    f"again. The trace shows only {r.flag} on the intermediate returns."]
     for s in r.states:
         out += ["", f"Communication array {s.array}, kept by the caller between calls:", "",
                 "| element | field | meaning |", "|---|---|---|"]

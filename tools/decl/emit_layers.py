@@ -159,6 +159,21 @@ def emit_worker(r: Routine) -> list[str]:
                   f"    {give_up}", "  }", "}"]
 
 
+def emit_flag_worker(r: Routine) -> list[str]:
+    """A reverse-communication routine: a failure is a final return, so its worker sets the flag to 0 whenever
+    IERR is not 0 (licence gate, a declared check, workspace or a failure the body records) and a caller's
+    loop always ends. The worker of emit_worker becomes a static function that this one calls."""
+    checked = emit_worker(r)
+    checked[0] = "static " + checked[0].replace(f" {r.name}n_(", f" {r.name}n_checked(", 1)
+    call = f"{r.name}n_checked({r.worker_call()})"
+    flag = f"if (*ierr != 0) *{r.arg(r.flag).param} = 0;  // a failure is a final return"
+    if r.returns:
+        body = [f"  const {r.ret_type()} value = {call};", f"  {flag}", "  return value;"]
+    else:
+        body = [f"  {call};", f"  {flag}"]
+    return checked + [f"{r.ret_type()} {r.name}n_({', '.join(r.worker_params())}) {{", *body, "}"]
+
+
 def emit_layers(chapter: Chapter, routines_by_symbol: dict) -> str:
     out = [f"// {HEADER_NOTE}", f"// Chapter {chapter.name}: entry layers, trace wrappers, dispatch stubs.",
            "#include <algorithm>", "#include <cstdint>", "#include <new>", "#include <span>", "#include <string_view>",
@@ -185,7 +200,7 @@ def emit_layers(chapter: Chapter, routines_by_symbol: dict) -> str:
         out.append(f"{r.ret_type()} {r.name}v_({', '.join(r.worker_params())}) "
                    f"{{ return {r.name}n_({r.worker_call()}); }}")
         if r.has_body:
-            out += emit_worker(r)
+            out += emit_flag_worker(r) if r.flag and r.ifail else emit_worker(r)
     for p in chapter.published:
         t = routines_by_symbol[p.target]
         out.append(f"{t.ret_type()} {p.name}_({', '.join(t.worker_params())}) "
