@@ -129,6 +129,16 @@ def check_value(r: Routine, name: str) -> str:
         if a.base == "char" else f"*{a.param}"
 
 
+def nan_guarded(cond: str, r: Routine, expr: str) -> str:
+    """A check naming a real argument fails when that argument is NaN. Plain relations do so by themselves;
+    a negation ('!=', '!') would turn a NaN's false comparison into true, so such a check is guarded."""
+    reals = [r.arg(n) for n in dict.fromkeys(IDENT_RE.findall(expr)) if r.arg(n) and r.arg(n).is_scalar
+             and r.arg(n).base in ("real", "single")]
+    if not reals or "!" not in expr:
+        return cond
+    return f"vek::frame::not_nan({', '.join('*' + a.param for a in reals)}) && ({cond})"
+
+
 def emit_worker(r: Routine) -> list[str]:
     """The worker of a routine with a body: licence gate (IFAIL routines), the declared checks in order (the
     first failure returns), then the body."""
@@ -140,7 +150,7 @@ def emit_worker(r: Routine) -> list[str]:
             out.append(f"  if (!err.licensed({c_string(r.name.upper() + 'N')})) [[unlikely]] return{(' ' + failed) if failed else ''};")
     by_name = {m.name: m for m in r.messages}
     for c in r.checks:
-        cond = translate(c.expr, r, c.where)
+        cond = nan_guarded(translate(c.expr, r, c.where), r, c.expr)
         words = c.target.split()
         if words[0] == "illegal":
             number = [a.name for a in r.args].index(words[1].upper()) + 1
