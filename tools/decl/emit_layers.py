@@ -95,7 +95,8 @@ def emit_adapter(a: Arg) -> str:
     """Calls the user function with the remaining arguments shifted down by one; adds nothing else."""
     ret, params = callback_signature(a)
     names = ", ".join(p.param for p in a.callback.params)
-    return f"{ret} {a.adapter_symbol}({', '.join([f'{a.fn_type} f'] + params)}) {{ return f({names}); }}"
+    fn = Arg.ADAPTER_FN
+    return f"{ret} {a.adapter_symbol}({', '.join([f'{a.fn_type} {fn}'] + params)}) {{ return {fn}({names}); }}"
 
 
 def emit_entry(r: Routine) -> list[str]:
