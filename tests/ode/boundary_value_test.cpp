@@ -10,7 +10,9 @@
 #include <string>
 #include <vector>
 
+#include "layers/d02.h"
 #include "ode/shot.h"
+#include "support/capture.h"
 #include "vek.h"
 
 using vek::testing::Shot;
@@ -199,4 +201,47 @@ TEST(D02haf, UserArraysReachFcnUntouched) {
   EXPECT_EQ(s.ruser[0], 1.0);
   EXPECT_EQ(s.ruser[1], std::numbers::e);
   EXPECT_TRUE(std::signbit(s.ruser[2]));
+}
+
+TEST(D02haf, HostAdapterReachesFcnThroughTheWorker) {
+  // A host calls the worker with an adapter of its own: every call of FCN passes through it.
+  static int64_t adapter_calls = 0;
+  auto adapter = [](vek_d02haf_fcn_fn f, const double* x, const double* y, double* dy, int64_t* iu, double* ru) {
+    ++adapter_calls;
+    f(x, y, dy, iu, ru);
+  };
+  Shot s(2);
+  s.u = {0.0, 0.0};
+  s.iu = {1, 0};
+  s.v = {0.0, 0.0};
+  s.iv = {1, 0};
+  s.ruser = {1.0};
+  char errbuf[200];
+  int64_t ierr = -1;
+  d02hafn_(s.u.data(), s.iu.data(), s.v.data(), s.iv.data(), &s.n, &s.a, &s.b, &s.xm, &s.tol, adapter, bratu,
+           &s.maxit, &s.maxcal, s.iuser.data(), s.ruser.data(), s.w.data(), &s.lw, errbuf, &ierr, 200);
+  EXPECT_EQ(ierr, 0);
+  EXPECT_GT(adapter_calls, 0);
+  EXPECT_EQ(static_cast<double>(adapter_calls), s.w[2]);
+  EXPECT_NEAR(s.u[1], 0.5493527287752708, 1e-7);
+}
+
+TEST(D02haf, TracedCallShowsTheArgumentsAndStillSolves) {
+  int64_t level = 1;
+  Shot s(2);
+  s.u = {0.0, 0.0};
+  s.iu = {1, 0};
+  s.v = {0.0, 0.0};
+  s.iv = {1, 0};
+  s.ruser = {1.0};
+  y90gcft_(&level);
+  const std::vector<std::string> out = vek::testing::console_lines([&] { shoot(s, bratu); });
+  level = 0;
+  y90gcft_(&level);
+  EXPECT_EQ(s.ifail, 0);
+  EXPECT_NEAR(s.u[1], 0.5493527287752708, 1e-7);
+  std::string all;
+  for (const std::string& line : out) all += line + "\n";
+  for (const char* name : {"D02HAFT", "On entry", "On exit", "TOL", "MAXCAL", "FCN", "IFAIL"})
+    EXPECT_NE(all.find(name), std::string::npos) << name << "\n" << all;
 }

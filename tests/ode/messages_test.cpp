@@ -110,6 +110,15 @@ TEST(D02hafMessages, DeclaredChecksInOrder) {
   s = sine_problem();
   s.lw = 2 * (10 * 2 + 14) - 1;
   expect_report(s, oscillator, 1, {" ** On entry, LW = 67 and N = 2.", " ** Constraint: LW >= N*(10*N+14)."});
+  // One short of the relation fails for any N (the arrays are not read); the exact length is what every
+  // successful test passes.
+  for (int64_t n : {1, 3, 1000, 900000000}) {
+    s.n = n;
+    s.lw = n * (10 * n + 14) - 1;
+    expect_report(s, oscillator, 1,
+                  {" ** On entry, LW = " + std::to_string(s.lw) + " and N = " + std::to_string(n) + ".",
+                   " ** Constraint: LW >= N*(10*N+14)."});
+  }
   // A huge N with a huge LW: the relation is computed without overflow and fails, before any array is read.
   s.n = std::numeric_limits<int64_t>::max();
   s.lw = std::numeric_limits<int64_t>::max();
