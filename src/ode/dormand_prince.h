@@ -68,12 +68,11 @@ inline bool all_finite(const double* v, size_t n) {
   return true;
 }
 
-// Root-mean-square of v / (absolute + relative * max(|y|, |z|)); +inf for a value that is not finite.
-inline double scaled_norm(const double* v, const double* y, const double* z, size_t n, Tolerance tol) {
+// Root-mean-square of v / (absolute + relative |y|), for the size of the first step.
+inline double scaled_norm(const double* v, const double* y, size_t n, Tolerance tol) {
   double sum = 0.0;
   for (size_t i = 0; i < n; ++i) {
-    const double scale = tol.absolute + tol.relative * std::max(std::abs(y[i]), std::abs(z[i]));
-    const double r = v[i] / scale;
+    const double r = v[i] / (tol.absolute + tol.relative * std::abs(y[i]));
     sum += r * r;
   }
   return std::sqrt(sum / static_cast<double>(n));
@@ -125,14 +124,14 @@ Integration integrate_dp54(F&& f, double x0, double x1, std::span<double> y, Tol
   }
   double h;
   {
-    const double d0 = detail::scaled_norm(y0, y0, y0, n, tol);
-    const double d1 = detail::scaled_norm(k1, y0, y0, n, tol);
+    const double d0 = detail::scaled_norm(y0, y0, n, tol);
+    const double d1 = detail::scaled_norm(k1, y0, n, tol);
     double h0 = (d0 < 1e-5 || d1 < 1e-5) ? 1e-6 : 0.01 * d0 / d1;
     h0 = std::min(h0, span);
     for (size_t i = 0; i < n; ++i) yt[i] = y0[i] + direction * h0 * k1[i];
     if (!eval(x0 + direction * h0, yt, k2)) return out;
     for (size_t i = 0; i < n; ++i) k3[i] = k2[i] - k1[i];
-    const double d2 = detail::scaled_norm(k3, y0, y0, n, tol) / h0;
+    const double d2 = detail::scaled_norm(k3, y0, n, tol) / h0;
     const double dmax = std::max(d1, d2);
     const double h1 = std::isfinite(dmax) ? (dmax <= 1e-15 ? std::max(1e-6, h0 * 1e-3) : std::pow(0.01 / dmax, 0.2))
                                           : h0 * 1e-3;

@@ -248,6 +248,19 @@ TEST(D02hafMessages, NanInsideTheIntervalEndsInADefinedError) {
   EXPECT_EQ(s.v[1], 0.7);
 }
 
+TEST(D02hafMessages, ExtremeEndsEndInADefinedError) {
+  // Ends at +-1e308 are finite, but no step the integrator may take (16 eps times the length) is small enough
+  // for the oscillator: IFAIL = 4 at the start, after the two evaluations that choose the first step.
+  Shot s = sine_problem();
+  s.a = -1e308, s.b = 1e308, s.xm = 0.0;
+  expect_report(s, oscillator, 4,
+                {" ** The integration step has become too small at X = -1e+308:",
+                 " ** TOL may be too small, or the solution may be singular near X."});
+  s.ifail = 1;
+  shoot(s, oscillator);
+  EXPECT_EQ(s.w[2], 4.0);
+}
+
 TEST(D02hafMessagesDeathTest, TwoDigitIfail) {
   const Lines n_records = {" ** On entry, N = 0.", " ** Constraint: N >= 1."};
   Shot bad = sine_problem();
