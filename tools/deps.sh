@@ -5,6 +5,7 @@ packages=(
   g++ gfortran cmake ninja-build pkg-config python3 python3-mpmath
   libgtest-dev libgmock-dev libbenchmark-dev libgsl-dev
   libopenblas64-openmp-dev libblas64-test liblapack64-test liblapacke-dev liblapack64-3
+  libgsl-dev
 )
 missing=()
 for p in "${packages[@]}"; do

@@ -23,6 +23,12 @@ constexpr auto check_min(A a, B b) {
   return static_cast<C>(b) < static_cast<C>(a) ? static_cast<C>(b) : static_cast<C>(a);
 }
 
+// True when no value is NaN: a check naming a real argument fails for a NaN whatever its relation.
+template <class... T>
+constexpr bool not_nan(T... v) {
+  return ((v == v) && ...);
+}
+
 template <class A>
 constexpr A check_abs(A a) {
   return a < 0 ? -a : a;

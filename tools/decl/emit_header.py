@@ -87,7 +87,7 @@ def doc_comment(r: Routine) -> list[str]:
 def emit_callback_types(a: Arg) -> list[str]:
     ret = C_TYPES[a.callback.returns] if a.callback.returns else "void"
     params = [p.decl() for p in a.callback.params]
-    with_fn = [f"{a.fn_type} f"] + params
+    with_fn = [f"{a.fn_type} {Arg.ADAPTER_FN}"] + params
     return [f"typedef {ret} (*{a.fn_type})({', '.join(params) or 'void'});",
             f"typedef {ret} (*{a.adapter_type})({', '.join(with_fn)});",
             f"VEK_API {ret} {a.adapter_symbol}({', '.join(with_fn)});"]

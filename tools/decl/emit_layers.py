@@ -95,7 +95,8 @@ def emit_adapter(a: Arg) -> str:
     """Calls the user function with the remaining arguments shifted down by one; adds nothing else."""
     ret, params = callback_signature(a)
     names = ", ".join(p.param for p in a.callback.params)
-    return f"{ret} {a.adapter_symbol}({', '.join([f'{a.fn_type} f'] + params)}) {{ return f({names}); }}"
+    fn = Arg.ADAPTER_FN
+    return f"{ret} {a.adapter_symbol}({', '.join([f'{a.fn_type} {fn}'] + params)}) {{ return {fn}({names}); }}"
 
 
 def emit_entry(r: Routine) -> list[str]:
@@ -129,6 +130,16 @@ def check_value(r: Routine, name: str) -> str:
         if a.base == "char" else f"*{a.param}"
 
 
+def nan_guarded(cond: str, r: Routine, expr: str) -> str:
+    """A check naming a real argument fails when that argument is NaN. Plain relations do so by themselves;
+    a negation ('!=', '!') would turn a NaN's false comparison into true, so such a check is guarded."""
+    reals = [r.arg(n) for n in dict.fromkeys(IDENT_RE.findall(expr)) if r.arg(n) and r.arg(n).is_scalar
+             and r.arg(n).base in ("real", "single")]
+    if not reals or "!" not in expr:
+        return cond
+    return f"vek::frame::not_nan({', '.join('*' + a.param for a in reals)}) && ({cond})"
+
+
 def emit_worker(r: Routine) -> list[str]:
     """The worker of a routine with a body: licence gate (IFAIL routines), the declared checks in order (the
     first failure returns), then the body."""
@@ -140,7 +151,7 @@ def emit_worker(r: Routine) -> list[str]:
             out.append(f"  if (!err.licensed({c_string(r.name.upper() + 'N')})) [[unlikely]] {give_up}")
     by_name = {m.name: m for m in r.messages}
     for c in r.checks:
-        cond = translate(c.expr, r, c.where)
+        cond = nan_guarded(translate(c.expr, r, c.where), r, c.expr)
         words = c.target.split()
         if words[0] == "illegal":
             number = [a.name for a in r.args].index(words[1].upper()) + 1

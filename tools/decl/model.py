@@ -45,6 +45,10 @@ class Arg:
     def adapter_type(self) -> str:
         return f"vek_{self.owner}_{self.param}_adapter"
 
+    # The adapter's own parameter for the user function: a name no argument takes, since user functions
+    # commonly have a parameter F.
+    ADAPTER_FN = "vek_user_fn"
+
     @property
     def adapter_symbol(self) -> str:
         return f"{self.owner}_{self.callback.adapter}_"
