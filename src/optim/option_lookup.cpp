@@ -5,8 +5,8 @@
 namespace vek::optim {
 namespace {
 
-// The entry's first `n` characters, blank-padded, compared with the key (as the blank-padded fields of a
-// fixed-width table compare).
+// The entry's first key.size() characters, blank-padded, compared with the key: the order of the
+// blank-padded fields of a fixed-width table.
 int compare_prefix(std::string_view entry, std::string_view key) {
   for (size_t i = 0; i < key.size(); ++i) {
     const char e = i < entry.size() ? entry[i] : ' ';

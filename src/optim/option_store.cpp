@@ -22,7 +22,7 @@ SaveAreas Areas::copy() const {
 void initialise(Areas a) {
   a.reset();
   a.set_first_call(true);
-  a.set_reset_pending(true);  // the first line parsed (or the solver) finds the marker put back again
+  a.set_reset_pending(true);  // its initial state; the first line parsed, or the solver, clears it
   a.set_listing(true);
   a.advisory_unit() = units::advisory_unit();
 }
