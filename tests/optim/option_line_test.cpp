@@ -188,17 +188,18 @@ TEST_F(OptionLine, SubscriptedBlocks) {
 TEST_F(OptionLine, DefaultsAndDirectives) {
   apply({"Iter 100", "Crash Tolerance 0.5", "IPRMLS 5 = 1"});
   EXPECT_TRUE(apply({"Defaults"}).empty());
+  const RecordSink no_records = [](std::string_view r) { ADD_FAILURE() << "wrote " << r; };
   expect_unset_except({}, {});
-  EXPECT_EQ(process_line(e04uc::family, store, "Begin", {}).directive, Directive::begin);
-  EXPECT_EQ(process_line(e04uc::family, store, "End", {}).directive, Directive::end);
-  EXPECT_EQ(process_line(e04uc::family, store, "List", {}).directive, Directive::list);
-  EXPECT_EQ(process_line(e04uc::family, store, "nolist 5", {}).directive, Directive::nolist);
-  const LineResult begin = process_line(e04uc::family, store, "BEGIN NOLIST", {});
+  EXPECT_EQ(process_line(e04uc::family, store, "Begin", no_records).directive, Directive::begin);
+  EXPECT_EQ(process_line(e04uc::family, store, "End", no_records).directive, Directive::end);
+  EXPECT_EQ(process_line(e04uc::family, store, "List", no_records).directive, Directive::list);
+  EXPECT_EQ(process_line(e04uc::family, store, "nolist 5", no_records).directive, Directive::nolist);
+  const LineResult begin = process_line(e04uc::family, store, "BEGIN NOLIST", no_records);
   EXPECT_EQ(begin.directive, Directive::begin);
   EXPECT_EQ(begin.after_begin, Directive::nolist);
-  EXPECT_EQ(process_line(e04uc::family, store, "Begin Lis", {}).after_begin, Directive::list);
-  EXPECT_EQ(process_line(e04uc::family, store, "Begin Iter", {}).after_begin, Directive::none);
-  EXPECT_EQ(process_line(e04uc::family, store, "Iter 5", {}).directive, Directive::none);
+  EXPECT_EQ(process_line(e04uc::family, store, "Begin Lis", no_records).after_begin, Directive::list);
+  EXPECT_EQ(process_line(e04uc::family, store, "Begin Iter", no_records).after_begin, Directive::none);
+  EXPECT_EQ(process_line(e04uc::family, store, "Iter 5", no_records).directive, Directive::none);
   // The directives change nothing in the store.
   EXPECT_TRUE(store.listing());
   expect_unset_except({1}, {});
