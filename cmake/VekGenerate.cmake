@@ -5,6 +5,8 @@
 function(vek_generate)
   cmake_parse_arguments(GEN "" "OUTDIR;SOURCES_VAR" "DECLS" ${ARGN})
   set(generator ${PROJECT_SOURCE_DIR}/tools/vekgen.py)
+  # The language's modules: editing one regenerates everything, as editing the driver does.
+  file(GLOB generator_modules CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tools/decl/*.py)
   set(outputs ${GEN_OUTDIR}/include/vek_routines.h ${GEN_OUTDIR}/vek.map ${GEN_OUTDIR}/forwarded.h
               ${GEN_OUTDIR}/published_names.inc)
   set(sources "")
@@ -19,7 +21,7 @@ function(vek_generate)
     OUTPUT ${GEN_OUTDIR}/generated.stamp
     BYPRODUCTS ${outputs} ${sources}
     COMMAND ${Python3_EXECUTABLE} ${generator} --out ${GEN_OUTDIR} ${GEN_DECLS}
-    DEPENDS ${generator} ${GEN_DECLS}
+    DEPENDS ${generator} ${generator_modules} ${GEN_DECLS}
     COMMENT "Generating routine layers from ${CMAKE_CURRENT_SOURCE_DIR}/exports"
     VERBATIM)
   add_custom_target(vek_generated DEPENDS ${GEN_OUTDIR}/generated.stamp)

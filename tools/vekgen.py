@@ -5,7 +5,8 @@ For every declared routine it writes the entry layer, the trace wrapper and the 
 table, the generated worker of a routine with a body (licence gate and declared checks), the C prototypes of
 all layers with each routine's typed messages (the workers' .cpp files include them, so a worker's signature
 and every err.fail are checked against the declaration), the public header, the linker export map, the list
-of message pairs and the chapter reference. The declaration language is described in docs/declarations.md.
+of message pairs and the chapter reference; for each options block, its keyword tables, store view, start
+rules and listing (tools/decl/options.py). The declaration language is described in docs/declarations.md.
 """
 import argparse
 import sys
@@ -13,6 +14,7 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parent))
 
+from decl import option_emit  # noqa: E402
 from decl.emit_docs import emit_doc  # noqa: E402
 from decl.emit_header import (emit_forwarded_header, emit_layers_header, emit_map, emit_message_pairs,  # noqa: E402
                               emit_public_header, emit_published_table)
@@ -48,6 +50,10 @@ def load(paths: list[Path]):
             if p.name in taken:
                 raise DeclError(f"{p.where}: {p.name}_ is declared twice")
             taken.add(p.name)
+    option_sets = [s for ch in chapters for s in ch.options]
+    for k, s in enumerate(option_sets):
+        if any(o.name == s.name for o in option_sets[:k]):
+            raise DeclError(f"{s.where}: options {s.name} is declared twice")
     return chapters, targets
 
 
@@ -63,9 +69,9 @@ def main(argv=None) -> int:
         return 1
     out = args.out
     for ch in chapters:
-        write_if_changed(out / f"{ch.name}_layers.cpp", emit_layers(ch, targets))
-        write_if_changed(out / "docs" / f"{ch.name}.md", emit_doc(ch))
-        write_if_changed(out / "layers" / f"{ch.name}.h", emit_layers_header(ch))
+        write_if_changed(out / f"{ch.name}_layers.cpp", emit_layers(ch, targets) + option_emit.emit_source(ch.options))
+        write_if_changed(out / "docs" / f"{ch.name}.md", emit_doc(ch) + option_emit.emit_doc(ch.options))
+        write_if_changed(out / "layers" / f"{ch.name}.h", emit_layers_header(ch) + option_emit.emit_header(ch.options))
     write_if_changed(out / "include" / "vek_routines.h", emit_public_header(chapters, targets))
     write_if_changed(out / "vek.map", emit_map(chapters))
     write_if_changed(out / "forwarded.h", emit_forwarded_header(chapters))

@@ -250,3 +250,4 @@ class Chapter:
     routines: list[Routine] = field(default_factory=list)
     published: list[Published] = field(default_factory=list)
     groups: list[Group] = field(default_factory=list)
+    options: list = field(default_factory=list)  # option sets (tools/decl/options.py)

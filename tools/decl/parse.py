@@ -7,6 +7,7 @@ from pathlib import Path
 
 from .model import (C_TYPES, INTENTS, Arg, Callback, Chapter, Check, DeclError, Field, Group, Illegal, Message, Published,
                     Routine, State, Use)
+from .options import OptionsParser
 
 TYPE_RE = re.compile(r"^(int|logical|real|single|complex|scomplex|char)(?:\[(.+)\])?$")
 NAME_RE = re.compile(r"^[a-z][a-z0-9_]*$")
@@ -56,6 +57,7 @@ class Parser:
         self.routine: Routine | None = None
         self.group: Group | None = None
         self.state: State | None = None
+        self.options: OptionsParser | None = None
 
     def owner(self, key: str, where: str):
         """The block that takes messages, checks and uses: an open group, else the current routine."""
@@ -71,6 +73,10 @@ class Parser:
         return self.routine
 
     def line(self, raw: str, where: str):
+        if self.options is not None:  # an options block reads its own lines up to its 'end'
+            if self.options.line(raw, where):
+                self.options = None
+            return
         head = raw.split(None, 1)
         if not head or head[0].startswith("#"):
             return
@@ -148,6 +154,13 @@ class Parser:
         self.chapter.groups.append(self.group)
         self.routine = None
 
+    def kw_options(self, rest, where):
+        if self.group is not None:
+            raise DeclError(f"{where}: group {self.group.name} has no 'end'")
+        self.options = OptionsParser(rest, where)
+        self.chapter.options.append(self.options.set)
+        self.routine = None
+
     def kw_state(self, rest, where):
         r = self.current("state", where)
         if len(rest) != 1:
@@ -177,6 +190,8 @@ class Parser:
             raise DeclError(f"{where}: 'end' without a group or state")
 
     def finish(self, where):
+        if self.options is not None:
+            raise DeclError(f"{self.options.set.where}: options {self.options.set.name} has no 'end'")
         if self.state is not None:
             raise DeclError(f"{self.state.where}: state {self.state.array} has no 'end'")
         if self.group is not None:
