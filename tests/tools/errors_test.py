@@ -67,8 +67,6 @@ CASES = [
      "a user function returns a number or nothing"),
     ("callback char parameter", HEAD + "  callback F adapter fh\n    param in S char\n", 7,
      "user functions take no character arguments"),
-    ("callback parameter F", HEAD + "  callback G adapter gh\n    param in F real\n", 7,
-     "parameter F would be the adapter's own function"),
     ("callback parameter twice", HEAD + "  callback G adapter gh\n    param in Y real\n    param in Y int\n", 8,
      "parameter Y declared twice"),
     ("callback parameter named as a keyword", HEAD + "  callback G adapter gh\n    param in DO real\n", 7,

@@ -232,8 +232,6 @@ class Parser:
             raise DeclError(f"{where}: user functions take no character arguments")
         cb = r.args[-1].callback
         name = arg_name(rest[1], where)
-        if name == "F":
-            raise DeclError(f"{where}: parameter F would be the adapter's own function: choose another name")
         if any(p.name == name for p in cb.params):
             raise DeclError(f"{where}: parameter {name} declared twice")
         cb.params.append(Arg(name, rest[0], base, length, where=where))

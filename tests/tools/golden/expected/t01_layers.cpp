@@ -137,7 +137,7 @@ void t01bafn_(const int64_t* n, const int64_t* lda, const double* a, const doubl
   }
 }
 
-double t01caf_fh_(vek_t01caf_f_fn f, const double* x, int64_t* iuser, double* ruser) { return f(x, iuser, ruser); }
+double t01caf_fh_(vek_t01caf_f_fn vek_user_fn, const double* x, int64_t* iuser, double* ruser) { return vek_user_fn(x, iuser, ruser); }
 double t01caf_(vek_t01caf_f_fn f, const double* a, const double* b, int64_t* iuser, double* ruser, int64_t* ifail) {
   char errbuf[200];
   int64_t ierr;
@@ -176,7 +176,7 @@ double t01cafv_(vek_t01caf_f_adapter f_adapter, vek_t01caf_f_fn f, const double*
 double t01cafn_(vek_t01caf_f_adapter f_adapter, vek_t01caf_f_fn f, const double* a, const double* b, int64_t* iuser, double* ruser, char* errbuf, int64_t* ierr, int64_t errbuf_len) {
   vek::frame::ErrorBuffer err(errbuf, errbuf_len, ierr);
   if (!err.licensed("T01CAFN")) [[unlikely]] return {};
-  if (!((*a) != (*b))) [[unlikely]] {  // A != B
+  if (!(vek::frame::not_nan(*a, *b) && ((*a) != (*b)))) [[unlikely]] {  // A != B
     err.fail(vek::routines::t01caf::ab_equal, *a, *b);
     return {};
   }
@@ -222,7 +222,7 @@ void t01daft_(double* x, double* fx, double* c, int64_t* ind, char* errbuf, int6
   return t01daft_traced(trace_level, x, fx, c, ind, errbuf, ierr, errbuf_len);
 }
 void t01dafv_(double* x, double* fx, double* c, int64_t* ind, char* errbuf, int64_t* ierr, int64_t errbuf_len) { return t01dafn_(x, fx, c, ind, errbuf, ierr, errbuf_len); }
-void t01dafn_(double* x, double* fx, double* c, int64_t* ind, char* errbuf, int64_t* ierr, int64_t errbuf_len) {
+static void t01dafn_checked(double* x, double* fx, double* c, int64_t* ind, char* errbuf, int64_t* ierr, int64_t errbuf_len) {
   vek::frame::ErrorBuffer err(errbuf, errbuf_len, ierr);
   if (!err.licensed("T01DAFN")) [[unlikely]] return;
   if (!((*ind == -1 || *ind == 1 || *ind == 2))) [[unlikely]] {  // IND in {-1, 1, 2}
@@ -235,6 +235,10 @@ void t01dafn_(double* x, double* fx, double* c, int64_t* ind, char* errbuf, int6
     err.fail_allocation();
     return;
   }
+}
+void t01dafn_(double* x, double* fx, double* c, int64_t* ind, char* errbuf, int64_t* ierr, int64_t errbuf_len) {
+  t01dafn_checked(x, fx, c, ind, errbuf, ierr, errbuf_len);
+  if (*ierr != 0) *ind = 0;  // a failure is a final return
 }
 
 void t01eaf_(const int64_t* n, const double* tol, int64_t* ifail) {

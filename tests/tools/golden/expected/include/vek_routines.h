@@ -50,8 +50,8 @@ VEK_API void t01baf_(const int64_t* n, const int64_t* lda, const double* a, cons
  *   IFAIL = 2 (99998): ** F returned a NaN at X = {X}.
  */
 typedef double (*vek_t01caf_f_fn)(const double* x, int64_t* iuser, double* ruser);
-typedef double (*vek_t01caf_f_adapter)(vek_t01caf_f_fn f, const double* x, int64_t* iuser, double* ruser);
-VEK_API double t01caf_fh_(vek_t01caf_f_fn f, const double* x, int64_t* iuser, double* ruser);
+typedef double (*vek_t01caf_f_adapter)(vek_t01caf_f_fn vek_user_fn, const double* x, int64_t* iuser, double* ruser);
+VEK_API double t01caf_fh_(vek_t01caf_f_fn vek_user_fn, const double* x, int64_t* iuser, double* ruser);
 VEK_API double t01caf_(vek_t01caf_f_fn f, const double* a, const double* b, int64_t* iuser, double* ruser, int64_t* ifail);
 /* T01DAF: Reverse communication: the caller evaluates f(X) whenever IND is not zero on return.
  *   inout X          real
