@@ -37,8 +37,9 @@ void write_line(std::string_view line) {
     print(format.c_str());
     return;
   }
-  std::fwrite(line.data(), 1, line.size(), stdout);
-  std::fputc('\n', stdout);
+  std::string record(line);
+  record += '\n';
+  std::fwrite(record.data(), 1, record.size(), stdout);
   std::fflush(stdout);
 }
 

@@ -5,7 +5,7 @@
 
 namespace vek::console {
 
-// Writes one line. Inside a host that provides mexPrintf (found in the process at run time) the line goes to
+// Writes one line, newline included, in one call. Inside a host that provides mexPrintf (found in the process at run time) the line goes to
 // it, with every '%' doubled because it takes a format; otherwise it goes to standard output unchanged.
 void write_line(std::string_view line);
 

@@ -12,6 +12,8 @@ namespace vek::frame {
 void write_report(bool silent, bool hard, int64_t ierr, std::string_view srname,
                   std::span<const std::string> records) {
   if (silent) return;
+  // The whole report under the output lock; a hard failure stops the process still holding it.
+  const auto output = units::hold_output();
   const int64_t nerr = units::error_unit();
   for (const std::string& rec : records) units::write_record(nerr, rec);
   std::string header = " ** ABNORMAL EXIT from VEK Library routine ";

@@ -70,10 +70,16 @@ std::string real_text(double v) {
   return buf;
 }
 
+void Record::begin(bool on_entry) const {
+  output_ = units::hold_output();
+  write_header(name_, on_entry);
+}
+
 void Record::end() const {
   write_trailer(level_);
   write_separator();
   if (prints()) write_text("");
+  output_.unlock();
 }
 
 void Record::integer(const char* name, const int64_t* v) const {

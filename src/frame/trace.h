@@ -11,6 +11,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -43,11 +44,12 @@ void write_header(std::string_view wrapper_name, bool on_entry);
 // The trailer: at level 3 the "NaNs so far" line, otherwise nothing.
 void write_trailer(int64_t level);
 
-// The dumps of one traced call, made by the generated wrappers.
+// The dumps of one traced call, made by the generated wrappers. Each block, from begin to end, holds the
+// output lock, so blocks and reports of other threads never come between its lines.
 class Record {
  public:
   Record(const char* wrapper_name, int64_t level) : name_(wrapper_name), level_(level) {}
-  void begin(bool on_entry) const { write_header(name_, on_entry); }
+  void begin(bool on_entry) const;
   void end() const;
 
   void integer(const char* name, const int64_t* v) const;
@@ -73,6 +75,7 @@ class Record {
 
   const char* name_;
   int64_t level_;
+  mutable std::unique_lock<std::recursive_mutex> output_;
 };
 
 // Value texts shared by the dumpers.

@@ -23,9 +23,10 @@ struct OpenFile {
 // The file table is guarded so that a badly behaved caller (two threads opening units at once) cannot corrupt
 // it; the unit numbers above are plain settings, as documented.
 std::mutex g_files_mutex;
+// Never destroyed: a thread may still write a record while another stops the process.
 std::map<int64_t, OpenFile>& files() {
-  static std::map<int64_t, OpenFile> table;
-  return table;
+  static auto* table = new std::map<int64_t, OpenFile>;
+  return *table;
 }
 
 bool is_console(int64_t unit) { return unit == 0 || unit == kConsole; }
@@ -62,17 +63,24 @@ bool close(int64_t unit) {
   return ok;
 }
 
+std::unique_lock<std::recursive_mutex> hold_output() {
+  static auto* output_mutex = new std::recursive_mutex;
+  return std::unique_lock(*output_mutex);
+}
+
 void write_record(int64_t unit, std::string_view record) {
   if (unit < 0) return;
   std::string_view body = text::trim_right(record);
   // A blank record is written as one blank; trailing NULs count as blanks.
   if (body.empty()) body = " ";
+  const auto output = hold_output();
   if (!is_console(unit)) {
     std::lock_guard lock(g_files_mutex);
     auto it = files().find(unit);
     if (it != files().end() && it->second.mode != Mode::read) {
-      std::fwrite(body.data(), 1, body.size(), it->second.file);
-      std::fputc('\n', it->second.file);
+      std::string line(body);
+      line += '\n';
+      std::fwrite(line.data(), 1, line.size(), it->second.file);
       return;
     }
   }

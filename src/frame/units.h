@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -30,8 +31,14 @@ bool open(int64_t unit, std::string_view path, Mode mode);
 // (the last buffered records could not be written).
 bool close(int64_t unit);
 
-// Writes one record (trailing blanks removed, at least one character) on `unit`.
+// Writes one record (trailing blanks removed, at least one character) on `unit`, newline included, in one
+// write under the output lock, so records of concurrent callers never tear.
 void write_record(int64_t unit, std::string_view record);
+
+// The output lock, held while a group of records must stay together (an error report, a trace block). It is
+// recursive: write_record takes it again. It lives for the whole process, so a thread stopping the process
+// under it keeps every other thread's output out of the report being finished.
+std::unique_lock<std::recursive_mutex> hold_output();
 
 enum class ReadStatus { ok, end_of_file, not_readable };
 
