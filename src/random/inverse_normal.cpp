@@ -1,0 +1,69 @@
+#include "random/inverse_normal.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "frame/constants.h"
+#include "frame/threads.h"
+
+namespace vek::random {
+namespace {
+
+// Coefficients of AS 241, highest power first: central region |p - 1/2| <= 0.425 (A/B), intermediate tail
+// r <= 5 (C/D), far tail (E/F).
+constexpr double kA[] = {2509.0809287301227,  33430.57558358813,  67265.7709270087,  45921.95393154987,
+                         13731.69376550946,   1971.5909503065513, 133.14166789178438, 3.3871328727963665};
+constexpr double kB[] = {5226.495278852854, 28729.085735721943, 39307.89580009271, 21213.794301586597,
+                         5394.196021424751, 687.1870074920579,  42.31333070160091, 1.0};
+constexpr double kC[] = {0.0007745450142783414, 0.022723844989269184, 0.2417807251774506, 1.2704582524523684,
+                         3.6478483247632045,    5.769497221460691,    4.630337846156546,  1.4234371107496835};
+constexpr double kD[] = {1.0507500716444169e-9, 0.0005475938084995345, 0.015198666563616457,
+                         0.14810397642748008,   0.6897673349851,       1.6763848301838038,
+                         2.053191626637759,     1.0};
+constexpr double kE[] = {2.0103343992922881e-7, 2.7115555687434876e-5, 0.0012426609473880784,
+                         0.026532189526576124,  0.29656057182850487,   1.7848265399172913,
+                         5.463784911164114,     6.657904643501103};
+constexpr double kF[] = {2.0442631033899397e-15, 1.421511758316446e-7, 1.8463183175100548e-5,
+                         0.0007868691311456133,  0.014875361290850615, 0.1369298809227358,
+                         0.599832206555888,      1.0};
+
+template <size_t N>
+double horner(const double (&c)[N], double x) {
+  double s = c[0];
+  for (size_t i = 1; i < N; ++i) s = s * x + c[i];
+  return s;
+}
+
+constexpr int64_t kMinPerThread = 16384;
+
+}  // namespace
+
+double inverse_normal(double p) {
+  const double q = p - 0.5;
+  if (std::fabs(q) <= 0.425) {
+    const double r = 0.180625 - q * q;
+    return q * horner(kA, r) / horner(kB, r);
+  }
+  double r = q < 0.0 ? p : 1.0 - p;
+  if (!(r > 0.0)) r = constants::safe_range();
+  r = std::sqrt(-std::log(r));
+  double z;
+  if (r <= 5.0) {
+    r -= 1.6;
+    z = horner(kC, r) / horner(kD, r);
+  } else {
+    r -= 5.0;
+    z = horner(kE, r) / horner(kF, r);
+  }
+  return q < 0.0 ? -z : z;
+}
+
+void normal_from_uniforms(std::span<double> x, double mu, double sigma) {
+  const auto n = static_cast<int64_t>(x.size());
+  double* v = x.data();
+  const int threads = static_cast<int>(std::clamp<int64_t>(n / kMinPerThread, 1, threads::max_threads()));
+#pragma omp parallel for schedule(static) num_threads(threads) if (threads > 1)
+  for (int64_t i = 0; i < n; ++i) v[i] = mu + sigma * inverse_normal(v[i]);
+}
+
+}  // namespace vek::random

@@ -1,0 +1,118 @@
+// GENID 1: the multiplicative congruential generator y <- 13^13 y mod 2^59, kept as x = 2y mod 2^60 in four
+// 15-bit limbs (words [4..7], least significant first) with the multiplier in words [8..11]. The limb
+// products of the stored form and the 64-bit products used here agree exactly: both are x a mod 2^60.
+//
+// A draw advances x and returns u = 1 - (hi 2^-30 + lo 2^-60), hi and lo the upper and lower 30 bits of x.
+// Mathematically u lies in [2^-59, 1 - 2^-59]; in floating point the extreme few x round u to 0 or 1, and
+// those draws are moved just inside (strictly_inside).
+//
+// Leap-frog (N, K) replaces the multiplier a by a^N and x by x a^(K-N), so that the first draw, which
+// multiplies by a^N, is the K-th value of the unsplit stream; a is odd, so a^-1 exists modulo 2^60.
+#include <cstdint>
+
+#include "random/generators.h"
+
+namespace vek::random {
+namespace {
+
+constexpr uint64_t kMask60 = (uint64_t{1} << 60) - 1;
+constexpr uint64_t kMultiplier = 302875106592253;  // 13^13
+constexpr int64_t kInternal = 14;
+constexpr int64_t kX = 4, kA = 8;                  // first limb word of x and of the multiplier
+
+uint64_t read_limbs(const int64_t* w) {
+  return static_cast<uint64_t>(w[0]) | static_cast<uint64_t>(w[1]) << 15 | static_cast<uint64_t>(w[2]) << 30 |
+         static_cast<uint64_t>(w[3]) << 45;
+}
+
+void write_limbs(uint64_t v, int64_t* w) {
+  for (int i = 0; i < 4; ++i) w[i] = static_cast<int64_t>((v >> (15 * i)) & 0x7fff);
+}
+
+uint64_t pow60(uint64_t a, uint64_t e) {
+  uint64_t r = 1;
+  for (; e != 0; e >>= 1) {
+    if (e & 1) r = (r * a) & kMask60;
+    a = (a * a) & kMask60;
+  }
+  return r;
+}
+
+// The inverse of an odd a modulo 2^64 (hence 2^60) by Newton's iteration: each step doubles the good bits.
+uint64_t inverse_odd(uint64_t a) {
+  uint64_t inv = a;  // right to 3 bits for any odd a
+  for (int i = 0; i < 5; ++i) inv *= 2 - a * inv;
+  return inv;
+}
+
+double to_uniform(uint64_t x) {
+  const auto hi = static_cast<int32_t>(x >> 30), lo = static_cast<int32_t>(x & 0x3fffffff);
+  return strictly_inside(1.0 - (hi * 0x1p-30 + lo * 0x1p-60));
+}
+
+int64_t internal_length(int64_t, int64_t) { return kInternal; }
+
+SeedStatus seed(int64_t, std::span<const int64_t> seeds, int64_t* state, int64_t) {
+  if (seeds.empty() || seeds[0] < 1) return SeedStatus::invalid_seed;
+  const uint64_t s = static_cast<uint64_t>(seeds[0]) & ((uint64_t{1} << 58) - 1);
+  state[3] = 0;
+  write_limbs(((4 * s + 2) * kMultiplier) & kMask60, state + kX);
+  write_limbs(kMultiplier, state + kA);
+  state[12] = 0;
+  return SeedStatus::ok;
+}
+
+bool length_consistent(const int64_t* state) { return state[kWordLength] == kInternal + kTrailerWords; }
+
+// Eight interleaved lanes: lane j multiplies the block's starting x by a^(j+1), so the dependency chain is one
+// multiplication per eight draws and the values are exactly the sequential stream's.
+void uniforms(int64_t* state, std::span<double> out) {
+  uint64_t x = read_limbs(state + kX);
+  const uint64_t a = read_limbs(state + kA);
+  constexpr size_t kLanes = 8;
+  uint64_t power[kLanes];
+  power[0] = a;
+  for (size_t j = 1; j < kLanes; ++j) power[j] = (power[j - 1] * a) & kMask60;
+  size_t i = 0;
+  for (; i + kLanes <= out.size(); i += kLanes) {
+    for (size_t j = 0; j < kLanes; ++j) out[i + j] = to_uniform((x * power[j]) & kMask60);
+    x = (x * power[kLanes - 1]) & kMask60;
+  }
+  for (; i < out.size(); ++i) {
+    x = (x * a) & kMask60;
+    out[i] = to_uniform(x);
+  }
+  write_limbs(x, state + kX);
+}
+
+SkipStatus skip(int64_t* state, uint64_t n) {
+  const uint64_t x = read_limbs(state + kX), a = read_limbs(state + kA);
+  write_limbs((x * pow60(a, n)) & kMask60, state + kX);
+  return SkipStatus::ok;
+}
+
+bool leapfrog(int64_t* state, int64_t n, int64_t k) {
+  const uint64_t x = read_limbs(state + kX), a = read_limbs(state + kA);
+  const uint64_t back = pow60(inverse_odd(a) & kMask60, static_cast<uint64_t>(n - k));
+  write_limbs((x * back) & kMask60, state + kX);
+  write_limbs(pow60(a, static_cast<uint64_t>(n)), state + kA);
+  return true;
+}
+
+}  // namespace
+
+const GeneratorOps kMcg59{internal_length, [](int64_t) { return kInternal; }, seed, length_consistent,
+                          uniforms, skip, leapfrog};
+
+void seeds_from_mcg59(int64_t seed_value, double scale, std::span<int64_t> out) {
+  int64_t state[kInternal + kTrailerWords];
+  const int64_t s[1] = {seed_value < 1 ? 1 : seed_value};
+  seed(0, s, state, kInternal);
+  for (int64_t& v : out) {
+    double u;
+    uniforms(state, std::span(&u, 1));
+    v = static_cast<int64_t>(u * scale);
+  }
+}
+
+}  // namespace vek::random
