@@ -67,8 +67,13 @@ Minimal berlekamp_massey(const std::vector<uint8_t>& s) {
       ++gap;
     }
   }
-  c.resize(words_for(len + 1));
-  return {c, len};
+  // c is the connection polynomial 1 + c_1 x + ... + c_L x^L (s_k = sum c_i s_(k-i)); the minimal
+  // polynomial is its reciprocal x^L c(1/x).
+  Poly minimal(words_for(len + 1), 0);
+  for (int64_t i = 0; i <= len; ++i) {
+    if (bit(c, i)) set_bit(minimal, len - i);
+  }
+  return {minimal, len};
 }
 
 Modulus::Modulus(const Poly& f, int64_t degree) : degree_(degree), shifted_(64) {

@@ -52,7 +52,7 @@ struct Generator {
 const std::vector<Generator>& all_generators() {
   static const std::vector<Generator> g = {
       {1, 1, {1762543}}, {2, 17, {1762543, 9}}, {3, 1, {1762543}}, {4, 1, {1762543, 5, 7}},
-      {5, 1, {1762543}}, {6, 1, {1762543, 2, 3}}};
+      {5, 0, {1762543}}, {6, 1, {1762543, 2, 3}}};
   return g;
 }
 
