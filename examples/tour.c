@@ -8,5 +8,6 @@ int main(void) {
   tour_sorting();
   tour_specfun();
   tour_linalg();
+  tour_random();
   return 0;
 }

@@ -11,5 +11,6 @@ void tour_machine(void);
 void tour_sorting(void);
 void tour_specfun(void);
 void tour_linalg(void);
+void tour_random(void);
 
 #endif

@@ -17,22 +17,53 @@ void place(int64_t* state, int64_t base, const int64_t (&values)[4], const int64
   }
 }
 
+// a x mod m in double precision: a x < 2^53 for both generators (a < 2^16 with m < 2^31, or a < 2^7 with
+// m < 2^24), so the product, the quotient's multiple of m and the remainder are exact; the quotient from the
+// rounded reciprocal is off by at most one, which the two corrections mend.
+inline double times_mod(double a, double x, double m, double inv_m) {
+  const double v = a * x;
+  double r = v - std::floor(v * inv_m) * m;
+  r = r < 0.0 ? r + m : r;
+  return r >= m ? r - m : r;
+}
+
 void uniforms(int64_t* state, int64_t base, std::span<double> out) {
   int64_t* x = state + base;
   const int64_t* a = state + base + 4;
   const int64_t* m = state + base + 8;
-  const double inv[4] = {1.0 / m[0], 1.0 / m[1], 1.0 / m[2], 1.0 / m[3]};
-  int64_t v[4] = {x[0], x[1], x[2], x[3]};
-  for (double& u : out) {
+  double inv[4];
+  bool exact_in_double = true;
+  for (int j = 0; j < 4; ++j) {
+    inv[j] = 1.0 / static_cast<double>(m[j]);
+    exact_in_double = exact_in_double && static_cast<double>(a[j]) * static_cast<double>(m[j]) < 0x1p53;
+  }
+  if (exact_in_double) {  // the generators' own multipliers
+    double ad[4], md[4], v[4];
+    for (int j = 0; j < 4; ++j) {
+      ad[j] = static_cast<double>(a[j]);
+      md[j] = static_cast<double>(m[j]);
+      v[j] = static_cast<double>(x[j]);
+    }
+    for (double& u : out) {
+      double w = 0.0;
+      for (int j = 0; j < 4; ++j) {
+        v[j] = times_mod(ad[j], v[j], md[j], inv[j]);
+        w += v[j] * inv[j];
+      }
+      u = strictly_inside(w - std::floor(w));
+    }
+    for (int j = 0; j < 4; ++j) x[j] = static_cast<int64_t>(v[j]);
+    return;
+  }
+  for (double& u : out) {  // leap-frogged multipliers a^N, up to m - 1
     double w = 0.0;
     for (int j = 0; j < 4; ++j) {
-      v[j] = static_cast<int64_t>(mul_mod(static_cast<uint64_t>(v[j]), static_cast<uint64_t>(a[j]),
+      x[j] = static_cast<int64_t>(mul_mod(static_cast<uint64_t>(x[j]), static_cast<uint64_t>(a[j]),
                                           static_cast<uint64_t>(m[j])));
-      w += static_cast<double>(v[j]) * inv[j];
+      w += static_cast<double>(x[j]) * inv[j];
     }
     u = strictly_inside(w - std::floor(w));
   }
-  for (int j = 0; j < 4; ++j) x[j] = v[j];
 }
 
 void skip(int64_t* state, int64_t base, uint64_t n) {

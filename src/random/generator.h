@@ -2,6 +2,7 @@
 // skip ahead, leap-frog. Other chapters draw through a Stream and never touch STATE words themselves.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -64,10 +65,11 @@ class Stream {
   const GeneratorOps* ops_;
 };
 
-// Uniforms from floating-point formulas that may round to an end point are moved just inside (0,1).
+// Uniforms from floating-point formulas that may round to an end point are moved just inside (0,1)
+// (branch-free, so that loops over it vectorise).
 inline double strictly_inside(double u) {
   constexpr double kSmallest = 0x1p-59, kLargest = 1.0 - 0x1p-53;
-  return u <= 0.0 ? kSmallest : (u >= 1.0 ? kLargest : u);
+  return std::min(std::max(u, kSmallest), kLargest);
 }
 
 }  // namespace vek::random
