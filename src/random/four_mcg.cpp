@@ -17,12 +17,16 @@ void place(int64_t* state, int64_t base, const int64_t (&values)[4], const int64
   }
 }
 
+// The integer part of a nonnegative v below 2^63, by truncation: one conversion each way, where floor is a
+// library call on machines without SSE4.1.
+inline double whole_part(double v) { return static_cast<double>(static_cast<int64_t>(v)); }
+
 // a x mod m in double precision: a x < 2^53 for both generators (a < 2^16 with m < 2^31, or a < 2^7 with
 // m < 2^24), so the product, the quotient's multiple of m and the remainder are exact; the quotient from the
 // rounded reciprocal is off by at most one, which the two corrections mend.
 inline double times_mod(double a, double x, double m, double inv_m) {
   const double v = a * x;
-  double r = v - std::floor(v * inv_m) * m;
+  double r = v - whole_part(v * inv_m) * m;
   r = r < 0.0 ? r + m : r;
   return r >= m ? r - m : r;
 }
@@ -50,7 +54,7 @@ void uniforms(int64_t* state, int64_t base, std::span<double> out) {
         v[j] = times_mod(ad[j], v[j], md[j], inv[j]);
         w += v[j] * inv[j];
       }
-      u = strictly_inside(w - std::floor(w));
+      u = strictly_inside(w - whole_part(w));
     }
     for (int j = 0; j < 4; ++j) x[j] = static_cast<int64_t>(v[j]);
     return;
@@ -62,7 +66,7 @@ void uniforms(int64_t* state, int64_t base, std::span<double> out) {
                                           static_cast<uint64_t>(m[j])));
       w += static_cast<double>(x[j]) * inv[j];
     }
-    u = strictly_inside(w - std::floor(w));
+    u = strictly_inside(w - whole_part(w));
   }
 }
 

@@ -1,5 +1,7 @@
 #include "random/inverse_normal.h"
 
+#include <immintrin.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -56,20 +58,47 @@ double tail(double p, double q) {
   return q < 0.0 ? -z : z;
 }
 
-// One chunk: the central formula for every element, in a loop that vectorises (AVX2 variant chosen at run
-// time; contraction is off, so every variant rounds alike), then the tails, about 15% of uniforms, one by one.
+// One chunk: the central formula for every element (AVX2, four at a time, when the machine has it; each
+// operation rounds as the scalar one does, contraction being off), then the tails, about 15% of uniforms, one
+// by one.
 constexpr size_t kChunk = 256;
 
-[[gnu::target_clones("avx2", "default")]] void normal_chunk(double* v, size_t n, double mu, double sigma) {
-  bool in_tail[kChunk];
+void central_generic(const double* v, double* out, size_t n, double mu, double sigma) {
   for (size_t i = 0; i < n; ++i) {
     const double q = v[i] - 0.5;
-    in_tail[i] = std::fabs(q) > 0.425;
-    const double z = central(in_tail[i] ? 0.0 : q);
-    v[i] = in_tail[i] ? v[i] : mu + sigma * z;
+    out[i] = mu + sigma * central(std::fabs(q) <= 0.425 ? q : 0.0);
   }
+}
+
+template <size_t N>
+[[gnu::target("avx2")]] __m256d horner4(const double (&c)[N], __m256d x) {
+  __m256d s = _mm256_set1_pd(c[0]);
+  for (size_t i = 1; i < N; ++i) s = _mm256_add_pd(_mm256_mul_pd(s, x), _mm256_set1_pd(c[i]));
+  return s;
+}
+
+[[gnu::target("avx2")]] void central_avx2(const double* v, double* out, size_t n, double mu, double sigma) {
+  const __m256d half = _mm256_set1_pd(0.5), bound = _mm256_set1_pd(0.425), c0 = _mm256_set1_pd(0.180625);
+  const __m256d abs_mask = _mm256_castsi256_pd(_mm256_set1_epi64x(0x7fffffffffffffffLL));
+  const __m256d muv = _mm256_set1_pd(mu), sigmav = _mm256_set1_pd(sigma);
+  size_t i = 0;
+  for (; i + 4 <= n; i += 4) {
+    __m256d q = _mm256_sub_pd(_mm256_loadu_pd(v + i), half);
+    q = _mm256_and_pd(q, _mm256_cmp_pd(_mm256_and_pd(q, abs_mask), bound, _CMP_LE_OQ));
+    const __m256d r = _mm256_sub_pd(c0, _mm256_mul_pd(q, q));
+    const __m256d z = _mm256_div_pd(_mm256_mul_pd(q, horner4(kA, r)), horner4(kB, r));
+    _mm256_storeu_pd(out + i, _mm256_add_pd(muv, _mm256_mul_pd(sigmav, z)));
+  }
+  central_generic(v + i, out + i, n - i, mu, sigma);
+}
+
+void normal_chunk(double* v, size_t n, double mu, double sigma) {
+  static const bool avx2 = __builtin_cpu_supports("avx2");
+  double central_value[kChunk];
+  (avx2 ? central_avx2 : central_generic)(v, central_value, n, mu, sigma);
   for (size_t i = 0; i < n; ++i) {
-    if (in_tail[i]) v[i] = mu + sigma * tail(v[i], v[i] - 0.5);
+    const double q = v[i] - 0.5;
+    v[i] = std::fabs(q) <= 0.425 ? central_value[i] : mu + sigma * tail(v[i], q);
   }
 }
 

@@ -8,6 +8,9 @@
 //
 // Leap-frog (N, K) replaces the multiplier a by a^N and x by x a^(K-N), so that the first draw, which
 // multiplies by a^N, is the K-th value of the unsplit stream; a is odd, so a^-1 exists modulo 2^60.
+#include <immintrin.h>
+
+#include <bit>
 #include <cstdint>
 
 #include "random/generators.h"
@@ -45,8 +48,14 @@ uint64_t inverse_odd(uint64_t a) {
   return inv;
 }
 
+// An integer below 2^52 as a double, exactly, by placing it in the mantissa of 2^52: no conversion
+// instruction, so the lanes below stay in 64-bit vector lanes.
+inline double small_to_double(uint64_t v) {
+  return std::bit_cast<double>(v | 0x4330000000000000ULL) - 0x1p52;
+}
+
 double to_uniform(uint64_t x) {
-  const auto hi = static_cast<int32_t>(x >> 30), lo = static_cast<int32_t>(x & 0x3fffffff);
+  const double hi = small_to_double(x >> 30), lo = small_to_double(x & 0x3fffffff);
   return strictly_inside(1.0 - (hi * 0x1p-30 + lo * 0x1p-60));
 }
 
@@ -65,13 +74,40 @@ SeedStatus seed(int64_t, std::span<const int64_t> seeds, int64_t* state, int64_t
 bool length_consistent(const int64_t* state) { return state[kWordLength] == kInternal + kTrailerWords; }
 
 // Eight interleaved lanes: lane j multiplies the block's starting x by a^(j+1), so the dependency chain is one
-// multiplication per eight draws and the values are exactly the sequential stream's. The lanes vectorise
-// (64-bit products from 32-bit ones where the machine has no 64-bit vector multiply); an AVX2 variant is
-// chosen at run time.
-[[gnu::target_clones("avx2", "default")]] void uniform_blocks(uint64_t& x, const uint64_t (&power)[8], double* out,
-                                                              size_t blocks) {
+// multiplication per eight draws and the values are exactly the sequential stream's.
+void uniform_blocks_generic(uint64_t& x, const uint64_t (&power)[8], double* out, size_t blocks) {
   for (size_t b = 0; b < blocks; ++b) {
     for (size_t j = 0; j < 8; ++j) out[8 * b + j] = to_uniform((x * power[j]) & kMask60);
+    x = (x * power[7]) & kMask60;
+  }
+}
+
+// The same lanes in AVX2 registers: the 64-bit products from three 32-bit ones (the high half of x times
+// the high half of a power falls beyond 2^64), the halves of x converted through the mantissa of 2^52, and
+// the clamp as min and max. Every operation rounds as the scalar code's does.
+[[gnu::target("avx2")]] void uniform_blocks_avx2(uint64_t& x, const uint64_t (&power)[8], double* out,
+                                                  size_t blocks) {
+  const __m256i mask60 = _mm256_set1_epi64x(static_cast<int64_t>(kMask60));
+  const __m256i mask30 = _mm256_set1_epi64x(0x3fffffff);
+  const __m256i magic = _mm256_set1_epi64x(0x4330000000000000LL);
+  const __m256d two52 = _mm256_set1_pd(0x1p52), one = _mm256_set1_pd(1.0);
+  const __m256d scale_hi = _mm256_set1_pd(0x1p-30), scale_lo = _mm256_set1_pd(0x1p-60);
+  const __m256d smallest = _mm256_set1_pd(0x1p-59), largest = _mm256_set1_pd(1.0 - 0x1p-53);
+  const __m256i p[2] = {_mm256_loadu_si256(reinterpret_cast<const __m256i*>(power)),
+                        _mm256_loadu_si256(reinterpret_cast<const __m256i*>(power + 4))};
+  const __m256i p_hi[2] = {_mm256_srli_epi64(p[0], 32), _mm256_srli_epi64(p[1], 32)};
+  for (size_t b = 0; b < blocks; ++b) {
+    const __m256i xv = _mm256_set1_epi64x(static_cast<int64_t>(x));
+    const __m256i x_hi = _mm256_srli_epi64(xv, 32);
+    for (int h = 0; h < 2; ++h) {
+      const __m256i cross = _mm256_add_epi64(_mm256_mul_epu32(x_hi, p[h]), _mm256_mul_epu32(xv, p_hi[h]));
+      const __m256i v = _mm256_and_si256(_mm256_add_epi64(_mm256_mul_epu32(xv, p[h]), _mm256_slli_epi64(cross, 32)),
+                                         mask60);
+      const __m256d hi = _mm256_sub_pd(_mm256_castsi256_pd(_mm256_or_si256(_mm256_srli_epi64(v, 30), magic)), two52);
+      const __m256d lo = _mm256_sub_pd(_mm256_castsi256_pd(_mm256_or_si256(_mm256_and_si256(v, mask30), magic)), two52);
+      const __m256d u = _mm256_sub_pd(one, _mm256_add_pd(_mm256_mul_pd(hi, scale_hi), _mm256_mul_pd(lo, scale_lo)));
+      _mm256_storeu_pd(out + 8 * b + 4 * h, _mm256_min_pd(_mm256_max_pd(u, smallest), largest));
+    }
     x = (x * power[7]) & kMask60;
   }
 }
@@ -83,7 +119,8 @@ void uniforms(int64_t* state, std::span<double> out) {
   power[0] = a;
   for (size_t j = 1; j < 8; ++j) power[j] = (power[j - 1] * a) & kMask60;
   const size_t blocks = out.size() / 8;
-  uniform_blocks(x, power, out.data(), blocks);
+  static const bool avx2 = __builtin_cpu_supports("avx2");
+  (avx2 ? uniform_blocks_avx2 : uniform_blocks_generic)(x, power, out.data(), blocks);
   for (size_t i = 8 * blocks; i < out.size(); ++i) {
     x = (x * a) & kMask60;
     out[i] = to_uniform(x);
