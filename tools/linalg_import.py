@@ -211,6 +211,107 @@ MIXED = {"sgesv": "Solves A X = B for a general matrix by single-precision LU an
          "cposv": "Solves A X = B for a positive definite matrix by single-precision Cholesky and refinement."}
 
 
+# ---- guards (src/linalg/guards.h, tools/decl/emit_guard.py) ---------------------------------------------------
+# By published name, or by name without its precision letter; {name} is the published name. Non-finite
+# screens of the iterating routines: INFO = max(1, order of the problem) on a NaN or an infinity, except
+# ?gesdd, whose published check of A is INFO = -4.
+SVD = "full(A,M,N,LDA) -> vec(S,min(M,N))"
+LEAST_SQUARES = "full(A,M,N,LDA) -> vec(S,min(M,N)) full(B,max(M,N),NRHS,LDB)"
+SYM = "tri(A,UPLO,N,LDA) -> vec(W,N)"
+SYM_GEN = "tri(A,UPLO,N,LDA) tri(B,UPLO,N,LDB) -> vec(W,N)"
+TRIDIAGONAL = "vec(D,N,1) vec(E,N-1,0) -> vec(D,N)"
+TRIDIAGONAL_W = "vec(D,N,1) vec(E,N-1,0) -> vec(W,N)"
+NORM_LETTERS = "NORM~M1OIFE"
+GUARDS = {
+    "gesvd": f"screen min(M,N) {SVD}", "gesdd": f"screen -4 {SVD}", "gesvdx": f"screen min(M,N) {SVD}",
+    "gejsv": "screen min(M,N) full(A,M,N,LDA) -> vec(SVA,N)", "gesvj": "screen min(M,N) full(A,M,N,LDA) -> vec(SVA,N)",
+    "gelss": f"screen min(M,N) {LEAST_SQUARES}", "gelsd": f"screen min(M,N) {LEAST_SQUARES}",
+    "bdsqr": "screen N vec(D,N,1) vec(E,N-1,0) -> vec(D,N)", "bdsdc": "screen N vec(D,N,1) vec(E,N-1,0) -> vec(D,N)",
+    "syev": f"screen N {SYM}", "syevx": f"screen N {SYM}", "syevd": f"screen N {SYM}", "syevr": f"screen N {SYM}",
+    "heev": f"screen N {SYM}", "heevx": f"screen N {SYM}", "heevd": f"screen N {SYM}", "heevr": f"screen N {SYM}",
+    "spev": "screen N packed(AP,UPLO,N) -> vec(W,N)", "spevx": "screen N packed(AP,UPLO,N) -> vec(W,N)",
+    "spevd": "screen N packed(AP,UPLO,N) -> vec(W,N)", "hpev": "screen N packed(AP,UPLO,N) -> vec(W,N)",
+    "hpevx": "screen N packed(AP,UPLO,N) -> vec(W,N)", "hpevd": "screen N packed(AP,UPLO,N) -> vec(W,N)",
+    "sbev": "screen N band(AB,UPLO,N,KD,LDAB) -> vec(W,N)", "sbevx": "screen N band(AB,UPLO,N,KD,LDAB) -> vec(W,N)",
+    "sbevd": "screen N band(AB,UPLO,N,KD,LDAB) -> vec(W,N)", "hbev": "screen N band(AB,UPLO,N,KD,LDAB) -> vec(W,N)",
+    "hbevx": "screen N band(AB,UPLO,N,KD,LDAB) -> vec(W,N)", "hbevd": "screen N band(AB,UPLO,N,KD,LDAB) -> vec(W,N)",
+    "stev": f"screen N {TRIDIAGONAL}", "stevd": f"screen N {TRIDIAGONAL}", "stevx": f"screen N {TRIDIAGONAL_W}",
+    "stevr": f"screen N {TRIDIAGONAL_W}", "steqr": f"screen N {TRIDIAGONAL}", "sterf": f"screen N {TRIDIAGONAL}",
+    "pteqr": f"screen N {TRIDIAGONAL}", "stedc": f"screen N {TRIDIAGONAL}", "stemr": f"screen N {TRIDIAGONAL_W}",
+    "dgeev": "screen N full(A,N,N,LDA) -> vec(WR,N) vec(WI,N)", "zgeev": "screen N full(A,N,N,LDA) -> vec(W,N)",
+    "dgeevx": "screen N full(A,N,N,LDA) -> vec(WR,N) vec(WI,N)", "zgeevx": "screen N full(A,N,N,LDA) -> vec(W,N)",
+    "dgees": "screen N full(A,N,N,LDA) -> vec(WR,N) vec(WI,N)", "zgees": "screen N full(A,N,N,LDA) -> vec(W,N)",
+    "dgeesx": "screen N full(A,N,N,LDA) -> vec(WR,N) vec(WI,N)", "zgeesx": "screen N full(A,N,N,LDA) -> vec(W,N)",
+    "dhseqr": "screen N hess(H,N,LDH) -> vec(WR,N) vec(WI,N)", "zhseqr": "screen N hess(H,N,LDH) -> vec(W,N)",
+    "sygv": f"screen N {SYM_GEN}", "sygvx": f"screen N {SYM_GEN}", "sygvd": f"screen N {SYM_GEN}",
+    "hegv": f"screen N {SYM_GEN}", "hegvx": f"screen N {SYM_GEN}", "hegvd": f"screen N {SYM_GEN}",
+    "spgv": "screen N packed(AP,UPLO,N) packed(BP,UPLO,N) -> vec(W,N)",
+    "spgvx": "screen N packed(AP,UPLO,N) packed(BP,UPLO,N) -> vec(W,N)",
+    "spgvd": "screen N packed(AP,UPLO,N) packed(BP,UPLO,N) -> vec(W,N)",
+    "hpgv": "screen N packed(AP,UPLO,N) packed(BP,UPLO,N) -> vec(W,N)",
+    "hpgvx": "screen N packed(AP,UPLO,N) packed(BP,UPLO,N) -> vec(W,N)",
+    "hpgvd": "screen N packed(AP,UPLO,N) packed(BP,UPLO,N) -> vec(W,N)",
+    "sbgv": "screen N band(AB,UPLO,N,KA,LDAB) band(BB,UPLO,N,KB,LDBB) -> vec(W,N)",
+    "sbgvx": "screen N band(AB,UPLO,N,KA,LDAB) band(BB,UPLO,N,KB,LDBB) -> vec(W,N)",
+    "sbgvd": "screen N band(AB,UPLO,N,KA,LDAB) band(BB,UPLO,N,KB,LDBB) -> vec(W,N)",
+    "hbgv": "screen N band(AB,UPLO,N,KA,LDAB) band(BB,UPLO,N,KB,LDBB) -> vec(W,N)",
+    "hbgvx": "screen N band(AB,UPLO,N,KA,LDAB) band(BB,UPLO,N,KB,LDBB) -> vec(W,N)",
+    "hbgvd": "screen N band(AB,UPLO,N,KA,LDAB) band(BB,UPLO,N,KB,LDBB) -> vec(W,N)",
+    "ggsvd3": "screen N full(A,M,N,LDA) full(B,P,N,LDB) -> vec(ALPHA,N) vec(BETA,N)",
+    "dggev": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHAR,N) vec(ALPHAI,N) vec(BETA,N)",
+    "dggev3": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHAR,N) vec(ALPHAI,N) vec(BETA,N)",
+    "dggevx": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHAR,N) vec(ALPHAI,N) vec(BETA,N)",
+    "dgges": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHAR,N) vec(ALPHAI,N) vec(BETA,N)",
+    "dgges3": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHAR,N) vec(ALPHAI,N) vec(BETA,N)",
+    "dggesx": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHAR,N) vec(ALPHAI,N) vec(BETA,N)",
+    "zggev": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHA,N) vec(BETA,N)",
+    "zggev3": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHA,N) vec(BETA,N)",
+    "zggevx": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHA,N) vec(BETA,N)",
+    "zgges": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHA,N) vec(BETA,N)",
+    "zgges3": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHA,N) vec(BETA,N)",
+    "zggesx": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHA,N) vec(BETA,N)",
+    "dhgeqz": "screen N hess(H,N,LDH) tri(T,'U',N,LDT) -> vec(ALPHAR,N) vec(ALPHAI,N) vec(BETA,N)",
+    "zhgeqz": "screen N hess(H,N,LDH) tri(T,'U',N,LDT) -> vec(ALPHA,N) vec(BETA,N)",
+    # Packed symmetric / Hermitian indefinite factorisations: a NaN pivot takes the dependency's packed code
+    # to an index it never set; with a NaN or an infinity in AP the factorisation runs in full storage.
+    "sptrf": "packed_factor @{name} UPLO N AP IPIV &INFO", "hptrf": "packed_factor @{name} UPLO N AP IPIV &INFO",
+    "spsv": "packed_solve @{name} UPLO N NRHS AP IPIV B LDB &INFO",
+    "hpsv": "packed_solve @{name} UPLO N NRHS AP IPIV B LDB &INFO",
+    "spsvx": "packed_expert @{name} &FACT UPLO N NRHS AP AFP IPIV LDB LDX &RCOND &INFO",
+    "hpsvx": "packed_expert @{name} &FACT UPLO N NRHS AP AFP IPIV LDB LDX &RCOND &INFO",
+    # Published checks the dependency omits or mistakes.
+    "getrs": "require @{name} info TRANS~NTC",
+    "tgsja": "generalized_svd_pair @{name} JOBU JOBV JOBQ M P N K L LDA LDB LDU LDV LDQ U V Q &NCYCLE &INFO",
+    "laswp": "row_interchange @{name} N A LDA K1 K2 IPIV INCX",
+    "lange": f"require @{{name}} nan {NORM_LETTERS} M>=0 N>=0 LDA>=max(1,M)",
+    "lansy": f"require @{{name}} nan {NORM_LETTERS} UPLO~UL N>=0 LDA>=max(1,N)",
+    "lanhe": f"require @{{name}} nan {NORM_LETTERS} UPLO~UL N>=0 LDA>=max(1,N)",
+    "lantr": f"require @{{name}} nan {NORM_LETTERS} UPLO~UL DIAG~UN M>=0 N>=0 LDA>=max(1,M)",
+    "lanhs": f"require @{{name}} nan {NORM_LETTERS} N>=0 LDA>=max(1,N)",
+    "langb": f"require @{{name}} nan {NORM_LETTERS} N>=0 KL>=0 KU>=0 LDAB>=KL+KU+1",
+    "lansb": f"require @{{name}} nan {NORM_LETTERS} UPLO~UL N>=0 K>=0 LDAB>=K+1",
+    "lanhb": f"require @{{name}} nan {NORM_LETTERS} UPLO~UL N>=0 K>=0 LDAB>=K+1",
+    "lantb": f"require @{{name}} nan {NORM_LETTERS} UPLO~UL DIAG~UN N>=0 K>=0 LDAB>=K+1",
+    "lansp": f"require @{{name}} nan {NORM_LETTERS} UPLO~UL N>=0", "lanhp": f"require @{{name}} nan {NORM_LETTERS} UPLO~UL N>=0",
+    "lantp": f"require @{{name}} nan {NORM_LETTERS} UPLO~UL DIAG~UN N>=0",
+    "langt": f"require @{{name}} nan {NORM_LETTERS} N>=0", "lanst": f"require @{{name}} nan {NORM_LETTERS} N>=0",
+    "lanht": f"require @{{name}} nan {NORM_LETTERS} N>=0",
+    # BLAS: dot products with a negative increment run the library's loop; option letters of the products.
+    "dot": "dot N X INCX Y INCY", "dotu": "dotu N X INCX Y INCY", "dotc": "dotc N X INCX Y INCY",
+    "gemv": "require @{name} none TRANS~NTC", "gbmv": "require @{name} none TRANS~NTC",
+    "gemm": "require @{name} none TRANSA~NTC TRANSB~NTC",
+    "rotmg": "modified_rotation &D1 &D2 &X1 &Y1 PARAM",
+}
+
+
+def guard_line(published: str) -> str | None:
+    spec = GUARDS.get(published) or GUARDS.get(published[1:])
+    if spec is None:
+        return None
+    words = spec.format(name=published).split()
+    return "  guard " + " ".join(f'"{w}"' if "'" in w else w for w in words)
+
+
 def sentence_case(text: str) -> str:
     """The text continued after "Real: ": its first word in lower case unless it is a name or an acronym."""
     first = text.split()[0]
@@ -356,6 +457,9 @@ def emit_decl(chapter: str, routines: list[Routine]) -> str:
         out += [a.decl() for a in r.args]
         if not r.hand:
             out.append(f"  forwards {PREFIX}{r.published}")
+            guard = guard_line(r.published)
+            if guard:
+                out.append(guard)
         out.append(f"published {r.published} {r.symbol}")
     return "\n".join(out) + "\n"
 

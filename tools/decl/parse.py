@@ -241,6 +241,12 @@ class Parser:
             raise DeclError(f"{where}: 'forwards SYMBOL'")
         self.current("forwards", where).forwards = rest[0]
 
+    def kw_guard(self, rest, where):
+        r = self.current("guard", where)
+        if not r.forwards or not rest:
+            raise DeclError(f"{where}: 'guard NAME ...' follows 'forwards'")
+        r.guard = rest
+
     def kw_flag(self, rest, where):
         r = self.current("flag", where)
         if len(rest) != 1:
