@@ -281,6 +281,7 @@ GUARDS = {
     "hpsvx": "packed_expert @{name} &FACT UPLO N NRHS AP AFP IPIV LDB LDX &RCOND &INFO",
     # Published checks the dependency omits or mistakes.
     "getrs": "require @{name} info TRANS~NTC",
+    "geqp3": "pivoted_qr M N LDA JPVT WORK LWORK &INFO",
     "tgsja": "generalized_svd_pair @{name} JOBU JOBV JOBQ M P N K L LDA LDB LDU LDV LDQ U V Q &NCYCLE &INFO",
     "laswp": "row_interchange @{name} N A LDA K1 K2 IPIV INCX",
     "lange": f"require @{{name}} nan {NORM_LETTERS} M>=0 N>=0 LDA>=max(1,M)",

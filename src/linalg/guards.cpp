@@ -374,6 +374,22 @@ bool generalized_svd_pair_checked(const char* published, char jobu, char jobv, c
 void set_identity(double* u, int64_t n, int64_t ld) { full(u, n, n, ld).set_identity(); }
 void set_identity(vek_complex* u, int64_t n, int64_t ld) { full(u, n, n, ld).set_identity(); }
 
+// ---- QR with column pivoting of an empty matrix -----------------------------------------------------------
+bool empty_pivoted_qr(int64_t m, int64_t n, int64_t lda, int64_t* jpvt, int64_t lwork) {
+  if (m != 0 || n < 0 || lda < 1 || lwork < 1) return false;
+  int64_t fixed = 0;  // the published preprocessing: fixed columns moved to the front, in order
+  for (int64_t j = 0; j < n; ++j) {
+    if (jpvt[j] != 0) {
+      jpvt[j] = jpvt[fixed];
+      jpvt[fixed] = j + 1;
+      ++fixed;
+    } else {
+      jpvt[j] = j + 1;
+    }
+  }
+  return true;
+}
+
 // ---- modified rotation ----------------------------------------------------------------------------------
 bool modified_rotation_nonfinite(double* d1, double* d2, double* x1, double y1, double* param) {
   const double big = std::numeric_limits<double>::max();

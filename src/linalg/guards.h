@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <string_view>
+#include <type_traits>
 
 #include "vek.h"
 
@@ -182,6 +183,26 @@ void generalized_svd_pair(Forward forward, const char* published, char jobu, cha
   if (jobu == 'I' || jobu == 'i') set_identity(u, m, ldu);
   if (jobv == 'I' || jobv == 'i') set_identity(v, p, ldv);
   (void)q;  // Q is N by N: nothing to set
+}
+
+// ?geqp3 with M = 0: nothing to factorise, but the dependency still applies the (empty) reflectors of the
+// fixed columns to the free ones with the caller's LWORK, which its own check sized for M = 0, and returns
+// that routine's INFO (-12). Here: the published column preprocessing (fixed columns first, in order) alone,
+// WORK(1) = 1 and INFO = 0. The sizes the published routine checks go to the dependency.
+template <class T>
+T one() {
+  if constexpr (std::is_same_v<T, double>) return 1.0;
+  else return T{1.0, 0.0};
+}
+
+bool empty_pivoted_qr(int64_t m, int64_t n, int64_t lda, int64_t* jpvt, int64_t lwork);
+
+template <class Forward, class T>
+void pivoted_qr(Forward forward, int64_t m, int64_t n, int64_t lda, int64_t* jpvt, T* work, int64_t lwork,
+                int64_t* info) {
+  if (!empty_pivoted_qr(m, n, lda, jpvt, lwork)) return forward();
+  work[0] = one<T>();
+  *info = 0;
 }
 
 // drotmg: a NaN or an infinity in D1, D2, X1 or Y1 (the dependency rescales an infinite D1 forever) gives
