@@ -216,62 +216,47 @@ MIXED = {"sgesv": "Solves A X = B for a general matrix by single-precision LU an
 # screens of the iterating routines: INFO = max(1, order of the problem) on a NaN or an infinity, except
 # ?gesdd, whose published check of A is INFO = -4.
 SVD = "full(A,M,N,LDA) -> vec(S,min(M,N))"
+JACOBI_SVD = "full(A,M,N,LDA) -> vec(SVA,N)"
 LEAST_SQUARES = "full(A,M,N,LDA) -> vec(S,min(M,N)) full(B,max(M,N),NRHS,LDB)"
-SYM = "tri(A,UPLO,N,LDA) -> vec(W,N)"
-SYM_GEN = "tri(A,UPLO,N,LDA) tri(B,UPLO,N,LDB) -> vec(W,N)"
-TRIDIAGONAL = "vec(D,N,1) vec(E,N-1,0) -> vec(D,N)"
+BIDIAGONAL = "vec(D,N,1) vec(E,N-1,0) -> vec(D,N)"
 TRIDIAGONAL_W = "vec(D,N,1) vec(E,N-1,0) -> vec(W,N)"
+SYM = "tri(A,UPLO,N,LDA) -> vec(W,N)"
+SYM_PACKED = "packed(AP,UPLO,N) -> vec(W,N)"
+SYM_BAND = "band(AB,UPLO,N,KD,LDAB) -> vec(W,N)"
+SYM_GEN = "tri(A,UPLO,N,LDA) tri(B,UPLO,N,LDB) -> vec(W,N)"
+SYM_GEN_PACKED = "packed(AP,UPLO,N) packed(BP,UPLO,N) -> vec(W,N)"
+SYM_GEN_BAND = "band(AB,UPLO,N,KA,LDAB) band(BB,UPLO,N,KB,LDBB) -> vec(W,N)"
+REAL_EIG = "full(A,N,N,LDA) -> vec(WR,N) vec(WI,N)"
+COMPLEX_EIG = "full(A,N,N,LDA) -> vec(W,N)"
+REAL_PAIR = "full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHAR,N) vec(ALPHAI,N) vec(BETA,N)"
+COMPLEX_PAIR = "full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHA,N) vec(BETA,N)"
 NORM_LETTERS = "NORM~M1OIFE"
+
+
+def screens(code: str, regions: str, *operations: str) -> dict:
+    return {op: f"screen {code} {regions}" for op in operations}
+
+
 GUARDS = {
-    "gesvd": f"screen min(M,N) {SVD}", "gesdd": f"screen -4 {SVD}", "gesvdx": f"screen min(M,N) {SVD}",
-    "gejsv": "screen min(M,N) full(A,M,N,LDA) -> vec(SVA,N)", "gesvj": "screen min(M,N) full(A,M,N,LDA) -> vec(SVA,N)",
-    "gelss": f"screen min(M,N) {LEAST_SQUARES}", "gelsd": f"screen min(M,N) {LEAST_SQUARES}",
-    "bdsqr": "screen N vec(D,N,1) vec(E,N-1,0) -> vec(D,N)", "bdsdc": "screen N vec(D,N,1) vec(E,N-1,0) -> vec(D,N)",
-    "syev": f"screen N {SYM}", "syevx": f"screen N {SYM}", "syevd": f"screen N {SYM}", "syevr": f"screen N {SYM}",
-    "heev": f"screen N {SYM}", "heevx": f"screen N {SYM}", "heevd": f"screen N {SYM}", "heevr": f"screen N {SYM}",
-    "spev": "screen N packed(AP,UPLO,N) -> vec(W,N)", "spevx": "screen N packed(AP,UPLO,N) -> vec(W,N)",
-    "spevd": "screen N packed(AP,UPLO,N) -> vec(W,N)", "hpev": "screen N packed(AP,UPLO,N) -> vec(W,N)",
-    "hpevx": "screen N packed(AP,UPLO,N) -> vec(W,N)", "hpevd": "screen N packed(AP,UPLO,N) -> vec(W,N)",
-    "sbev": "screen N band(AB,UPLO,N,KD,LDAB) -> vec(W,N)", "sbevx": "screen N band(AB,UPLO,N,KD,LDAB) -> vec(W,N)",
-    "sbevd": "screen N band(AB,UPLO,N,KD,LDAB) -> vec(W,N)", "hbev": "screen N band(AB,UPLO,N,KD,LDAB) -> vec(W,N)",
-    "hbevx": "screen N band(AB,UPLO,N,KD,LDAB) -> vec(W,N)", "hbevd": "screen N band(AB,UPLO,N,KD,LDAB) -> vec(W,N)",
-    "stev": f"screen N {TRIDIAGONAL}", "stevd": f"screen N {TRIDIAGONAL}", "stevx": f"screen N {TRIDIAGONAL_W}",
-    "stevr": f"screen N {TRIDIAGONAL_W}", "steqr": f"screen N {TRIDIAGONAL}", "sterf": f"screen N {TRIDIAGONAL}",
-    "pteqr": f"screen N {TRIDIAGONAL}", "stedc": f"screen N {TRIDIAGONAL}", "stemr": f"screen N {TRIDIAGONAL_W}",
-    "dgeev": "screen N full(A,N,N,LDA) -> vec(WR,N) vec(WI,N)", "zgeev": "screen N full(A,N,N,LDA) -> vec(W,N)",
-    "dgeevx": "screen N full(A,N,N,LDA) -> vec(WR,N) vec(WI,N)", "zgeevx": "screen N full(A,N,N,LDA) -> vec(W,N)",
-    "dgees": "screen N full(A,N,N,LDA) -> vec(WR,N) vec(WI,N)", "zgees": "screen N full(A,N,N,LDA) -> vec(W,N)",
-    "dgeesx": "screen N full(A,N,N,LDA) -> vec(WR,N) vec(WI,N)", "zgeesx": "screen N full(A,N,N,LDA) -> vec(W,N)",
-    "dhseqr": "screen N hess(H,N,LDH) -> vec(WR,N) vec(WI,N)", "zhseqr": "screen N hess(H,N,LDH) -> vec(W,N)",
-    "sygv": f"screen N {SYM_GEN}", "sygvx": f"screen N {SYM_GEN}", "sygvd": f"screen N {SYM_GEN}",
-    "hegv": f"screen N {SYM_GEN}", "hegvx": f"screen N {SYM_GEN}", "hegvd": f"screen N {SYM_GEN}",
-    "spgv": "screen N packed(AP,UPLO,N) packed(BP,UPLO,N) -> vec(W,N)",
-    "spgvx": "screen N packed(AP,UPLO,N) packed(BP,UPLO,N) -> vec(W,N)",
-    "spgvd": "screen N packed(AP,UPLO,N) packed(BP,UPLO,N) -> vec(W,N)",
-    "hpgv": "screen N packed(AP,UPLO,N) packed(BP,UPLO,N) -> vec(W,N)",
-    "hpgvx": "screen N packed(AP,UPLO,N) packed(BP,UPLO,N) -> vec(W,N)",
-    "hpgvd": "screen N packed(AP,UPLO,N) packed(BP,UPLO,N) -> vec(W,N)",
-    "sbgv": "screen N band(AB,UPLO,N,KA,LDAB) band(BB,UPLO,N,KB,LDBB) -> vec(W,N)",
-    "sbgvx": "screen N band(AB,UPLO,N,KA,LDAB) band(BB,UPLO,N,KB,LDBB) -> vec(W,N)",
-    "sbgvd": "screen N band(AB,UPLO,N,KA,LDAB) band(BB,UPLO,N,KB,LDBB) -> vec(W,N)",
-    "hbgv": "screen N band(AB,UPLO,N,KA,LDAB) band(BB,UPLO,N,KB,LDBB) -> vec(W,N)",
-    "hbgvx": "screen N band(AB,UPLO,N,KA,LDAB) band(BB,UPLO,N,KB,LDBB) -> vec(W,N)",
-    "hbgvd": "screen N band(AB,UPLO,N,KA,LDAB) band(BB,UPLO,N,KB,LDBB) -> vec(W,N)",
-    "ggsvd3": "screen N full(A,M,N,LDA) full(B,P,N,LDB) -> vec(ALPHA,N) vec(BETA,N)",
-    "dggev": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHAR,N) vec(ALPHAI,N) vec(BETA,N)",
-    "dggev3": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHAR,N) vec(ALPHAI,N) vec(BETA,N)",
-    "dggevx": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHAR,N) vec(ALPHAI,N) vec(BETA,N)",
-    "dgges": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHAR,N) vec(ALPHAI,N) vec(BETA,N)",
-    "dgges3": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHAR,N) vec(ALPHAI,N) vec(BETA,N)",
-    "dggesx": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHAR,N) vec(ALPHAI,N) vec(BETA,N)",
-    "zggev": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHA,N) vec(BETA,N)",
-    "zggev3": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHA,N) vec(BETA,N)",
-    "zggevx": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHA,N) vec(BETA,N)",
-    "zgges": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHA,N) vec(BETA,N)",
-    "zgges3": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHA,N) vec(BETA,N)",
-    "zggesx": "screen N full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHA,N) vec(BETA,N)",
-    "dhgeqz": "screen N hess(H,N,LDH) tri(T,'U',N,LDT) -> vec(ALPHAR,N) vec(ALPHAI,N) vec(BETA,N)",
-    "zhgeqz": "screen N hess(H,N,LDH) tri(T,'U',N,LDT) -> vec(ALPHA,N) vec(BETA,N)",
+    **screens("min(M,N)", SVD, "gesvd", "gesvdx"), **screens("-4", SVD, "gesdd"),
+    **screens("min(M,N)", JACOBI_SVD, "gejsv", "gesvj"), **screens("min(M,N)", LEAST_SQUARES, "gelss", "gelsd"),
+    **screens("N", BIDIAGONAL, "bdsqr", "bdsdc", "stev", "stevd", "steqr", "sterf", "pteqr", "stedc"),
+    **screens("N", TRIDIAGONAL_W, "stevx", "stevr", "stemr"),
+    **screens("N", SYM, "syev", "syevx", "syevd", "syevr", "heev", "heevx", "heevd", "heevr"),
+    **screens("N", SYM_PACKED, "spev", "spevx", "spevd", "hpev", "hpevx", "hpevd"),
+    **screens("N", SYM_BAND, "sbev", "sbevx", "sbevd", "hbev", "hbevx", "hbevd"),
+    **screens("N", SYM_GEN, "sygv", "sygvx", "sygvd", "hegv", "hegvx", "hegvd"),
+    **screens("N", SYM_GEN_PACKED, "spgv", "spgvx", "spgvd", "hpgv", "hpgvx", "hpgvd"),
+    **screens("N", SYM_GEN_BAND, "sbgv", "sbgvx", "sbgvd", "hbgv", "hbgvx", "hbgvd"),
+    **screens("N", REAL_EIG, "dgeev", "dgeevx", "dgees", "dgeesx"),
+    **screens("N", COMPLEX_EIG, "zgeev", "zgeevx", "zgees", "zgeesx"),
+    **screens("N", "hess(H,N,LDH) -> vec(WR,N) vec(WI,N)", "dhseqr"),
+    **screens("N", "hess(H,N,LDH) -> vec(W,N)", "zhseqr"),
+    **screens("N", REAL_PAIR, "dggev", "dggev3", "dggevx", "dgges", "dgges3", "dggesx"),
+    **screens("N", COMPLEX_PAIR, "zggev", "zggev3", "zggevx", "zgges", "zgges3", "zggesx"),
+    **screens("N", "hess(H,N,LDH) tri(T,'U',N,LDT) -> vec(ALPHAR,N) vec(ALPHAI,N) vec(BETA,N)", "dhgeqz"),
+    **screens("N", "hess(H,N,LDH) tri(T,'U',N,LDT) -> vec(ALPHA,N) vec(BETA,N)", "zhgeqz"),
+    **screens("N", "full(A,M,N,LDA) full(B,P,N,LDB) -> vec(ALPHA,N) vec(BETA,N)", "ggsvd3"),
     # Packed symmetric / Hermitian indefinite factorisations: a NaN pivot takes the dependency's packed code
     # to an index it never set; with a NaN or an infinity in AP the factorisation runs in full storage.
     "sptrf": "packed_factor @{name} UPLO N AP IPIV &INFO", "hptrf": "packed_factor @{name} UPLO N AP IPIV &INFO",
@@ -301,6 +286,8 @@ GUARDS = {
     "dot": "dot N X INCX Y INCY", "dotu": "dotu N X INCX Y INCY", "dotc": "dotc N X INCX Y INCY",
     "gemv": "require @{name} none TRANS~NTC", "gbmv": "require @{name} none TRANS~NTC",
     "gemm": "require @{name} none TRANSA~NTC TRANSB~NTC",
+    **{op: "require @{name} none UPLO~UL TRANS~NTC DIAG~UN" for op in ("trmv", "trsv", "tbmv", "tbsv", "tpmv", "tpsv")},
+    **{op: "require @{name} none SIDE~LR UPLO~UL TRANSA~NTC DIAG~UN" for op in ("trmm", "trsm")},
     "rotmg": "modified_rotation &D1 &D2 &X1 &Y1 PARAM",
 }
 

@@ -245,8 +245,16 @@ R strided_sum(int64_t n, const T* x, int64_t incx, const T* y, int64_t incy, Loa
   return sum;
 }
 
-template <class C, class T>
-C as_complex(const T& v) { return {v.re, v.im}; }
+// A complex dot product over the library's pair type V with the arithmetic of std::complex<R>.
+template <class R, class V>
+V complex_dot(int64_t n, const V* x, int64_t incx, const V* y, int64_t incy, bool conjugate) {
+  using C = std::complex<R>;
+  const C s = strided_sum<C>(n, x, incx, y, incy, [&](const V& a, const V& b) {
+    const C xa(a.re, a.im);
+    return (conjugate ? std::conj(xa) : xa) * C(b.re, b.im);
+  });
+  return {s.real(), s.imag()};
+}
 
 }  // namespace
 
@@ -260,22 +268,12 @@ float dot_strided(int64_t n, const float* x, int64_t incx, const float* y, int64
 
 vek_complex dot_strided(int64_t n, const vek_complex* x, int64_t incx, const vek_complex* y, int64_t incy,
                         bool conjugate) {
-  using C = std::complex<double>;
-  const C s = strided_sum<C>(n, x, incx, y, incy, [&](const vek_complex& a, const vek_complex& b) {
-    const C xa = as_complex<C>(a);
-    return (conjugate ? std::conj(xa) : xa) * as_complex<C>(b);
-  });
-  return {s.real(), s.imag()};
+  return complex_dot<double>(n, x, incx, y, incy, conjugate);
 }
 
 vek_scomplex dot_strided(int64_t n, const vek_scomplex* x, int64_t incx, const vek_scomplex* y, int64_t incy,
                          bool conjugate) {
-  using C = std::complex<float>;
-  const C s = strided_sum<C>(n, x, incx, y, incy, [&](const vek_scomplex& a, const vek_scomplex& b) {
-    const C xa = as_complex<C>(a);
-    return (conjugate ? std::conj(xa) : xa) * as_complex<C>(b);
-  });
-  return {s.real(), s.imag()};
+  return complex_dot<float>(n, x, incx, y, incy, conjugate);
 }
 
 // ---- packed symmetric / Hermitian indefinite factorisations ------------------------------------------------

@@ -144,8 +144,14 @@ TEST(Guards, ProductsRejectOptionLettersOutsideThePublishedSet) {
   dgemv_("R", &m, &n, &dalpha, da.data(), &lda, dx.data(), &inc, &dbeta, dy.data(), &inc, 1);
   double c[4] = {5, 5, 5, 5};
   dgemm_("N", "R", &m, &m, &m, &dalpha, da.data(), &lda, da.data(), &lda, &dbeta, c, &m, 1, 1);
+  dtrsm_("L", "U", "R", "N", &m, &m, &dalpha, da.data(), &lda, c, &m, 1, 1, 1, 1);
+  dtrmv_("U", "R", "N", &m, da.data(), &lda, dx.data(), &inc, 1, 1, 1);
+  ztrsv_("U", "N", "X", &m, a.data(), &lda, x.data(), &inc, 1, 1, 1);
   EXPECT_EQ(cap.lines(), (Lines{report("F06SAF/ZGEMV", 1), report("F06SAF/CGEMV", 1), report("F06PAF/DGEMV", 1),
-                                report("F06YAF/DGEMM", 2)}));
+                                report("F06YAF/DGEMM", 2), report("F06YJF/DTRSM", 3), report("F06PFF/DTRMV", 2),
+                                report("F06SJF/ZTRSV", 3)}));
+  EXPECT_EQ(dx[0], 1);
+  EXPECT_EQ(x[0].re, 1);
   EXPECT_EQ(y[0].re, 7);
   EXPECT_EQ(cy[1].re, 7);
   EXPECT_EQ(dy[0], 7);
