@@ -39,7 +39,7 @@ def expression(r: Routine, text: str) -> str:
             return f"std::{word}<int64_t>"
         a = r.arg(word)
         if a is None:
-            raise ValueError(f"{r.where}: guard of {r.name}: '{word}' is not an argument")
+            raise ValueError(f"guard: '{word}' is not an argument of {r.name}")
         return a.param if not a.is_scalar else f"(*{a.param})"
     return re.sub(r"(?<!')\b[A-Za-z_]\w*\b(?!')", name, text)
 
@@ -47,7 +47,7 @@ def expression(r: Routine, text: str) -> str:
 def region(r: Routine, text: str) -> str:
     m = re.fullmatch(r"(full|tri|packed|band|hess|vec)\((.*)\)", text)
     if not m:
-        raise ValueError(f"{r.where}: guard of {r.name}: bad region '{text}'")
+        raise ValueError(f"guard: '{text}' is not a region full() tri() packed() band() hess() vec()")
     return f"{NS}{m.group(1)}({expression(r, m.group(2))})"
 
 
@@ -55,7 +55,7 @@ def condition(r: Routine, text: str) -> tuple[int, str]:
     """The argument position a condition reports (its first argument) and its C++ form."""
     first = re.search(r"\b[A-Z]\w*", text)
     if not first or not r.arg(first.group(0)):
-        raise ValueError(f"{r.where}: guard of {r.name}: condition '{text}' names no argument")
+        raise ValueError(f"guard: condition '{text}' names no argument")
     position = 1 + [a.name for a in r.args].index(first.group(0))
     if "~" in text:
         name, letters = text.split("~")
@@ -64,7 +64,11 @@ def condition(r: Routine, text: str) -> tuple[int, str]:
 
 
 def emit_require(r: Routine, rest: list[str]) -> list[str]:
+    if len(rest) < 3 or not rest[0].startswith("@") or rest[1] not in ("nan", "info", "none"):
+        raise ValueError("'guard require @NAME nan|info|none CONDITION...'")
     published, result, conditions = rest[0], rest[1], rest[2:]
+    if result == "info" and not r.arg("INFO"):
+        raise ValueError("guard require ... info: the routine has no INFO")
     chain = " : ".join(f"!{c} ? {p}" for p, c in (condition(r, t) for t in conditions))
     failed = {"nan": f"return {NS}nan();", "info": "*info = -bad;\n  return;", "none": "return;"}[result]
     return [f"  const int64_t bad = {chain} : 0;", "  if (bad == 0) return forward();",
@@ -80,6 +84,8 @@ def emit_guarded_worker(r: Routine, worker: str) -> list[str]:
     if kind != "screen":
         args = ", ".join(expression(r, a) for a in rest)
         return [head, forward, f"  return {NS}{kind}(forward{', ' + args if args else ''});", "}"]
+    if not rest or not r.arg("INFO"):
+        raise ValueError("'guard screen CODE REGION... -> REGION...' in a routine with INFO")
     code, regions = rest[0], rest[1:]
     arrow = regions.index("->") if "->" in regions else len(regions)
     inputs = [region(r, t) for t in regions[:arrow]]
