@@ -14,6 +14,7 @@
 #include <initializer_list>
 #include <stdexcept>
 #include <thread>
+#include <vector>
 
 namespace vek::testing {
 
@@ -43,6 +44,10 @@ class GuardedArray {
   GuardedArray(std::initializer_list<T> values, Guard side = Guard::after) : GuardedArray(values.size(), side) {
     std::size_t i = 0;
     for (const T& v : values) data_[i++] = v;
+  }
+  GuardedArray(std::size_t n, const T& value, Guard side = Guard::after) : GuardedArray(n, side) { fill(value); }
+  GuardedArray(const std::vector<T>& values, Guard side = Guard::after) : GuardedArray(values.size(), side) {  // NOLINT
+    for (std::size_t i = 0; i < values.size(); ++i) data_[i] = values[i];
   }
   GuardedArray(const GuardedArray&) = delete;
   GuardedArray& operator=(const GuardedArray&) = delete;

@@ -341,8 +341,8 @@ TEST(Guards, NormsOfInvalidSizesAreNaN) {
   EXPECT_EQ(dlange_("M", &zero, &n, a.data(), &two, work.data(), 1), 0);
 }
 
-// The drivers that iterate, on 7 x 7 problems with one NaN or infinity: each returns within 2 s with the
-// documented INFO and NaN values.
+// The drivers that iterate, on 7 x 7 problems with one NaN or infinity, every array against the guard page:
+// each returns within 2 s with the documented INFO and NaN values.
 class NonFinite : public ::testing::TestWithParam<double> {};
 
 constexpr int64_t kN = 7;
@@ -379,15 +379,15 @@ TEST_P(NonFinite, SvdAndLeastSquaresDriversReturnPromptly) {
   const double bad = GetParam();
   const int64_t n = kN, lwork = 2000, nrhs = 1;
   expect_prompt("dgesvd", [&] {
-    std::vector<double> a = matrix_with(bad), s(kN), u(kN * kN), vt(kN * kN), work(lwork);
+    GuardedArray<double> a = matrix_with(bad), s(kN), u(kN * kN), vt(kN * kN), work(lwork);
     int64_t info = 0;
     dgesvd_("A", "A", &n, &n, a.data(), &n, s.data(), u.data(), &n, vt.data(), &n, work.data(), &lwork, &info, 1, 1);
     EXPECT_EQ(info, kN);
     EXPECT_TRUE(all_nan(s.data(), kN));
   });
   expect_prompt("dgesdd", [&] {
-    std::vector<double> a = matrix_with(bad), s(kN), u(kN * kN), vt(kN * kN), work(lwork);
-    std::vector<int64_t> iwork(8 * kN);
+    GuardedArray<double> a = matrix_with(bad), s(kN), u(kN * kN), vt(kN * kN), work(lwork);
+    GuardedArray<int64_t> iwork(8 * kN);
     int64_t info = 0;
     dgesdd_("A", &n, &n, a.data(), &n, s.data(), u.data(), &n, vt.data(), &n, work.data(), &lwork, iwork.data(),
             &info, 1);
@@ -395,9 +395,9 @@ TEST_P(NonFinite, SvdAndLeastSquaresDriversReturnPromptly) {
     EXPECT_TRUE(all_nan(s.data(), kN));
   });
   expect_prompt("zgesdd", [&] {
-    std::vector<vek_complex> a = complex_with(bad), u(kN * kN), vt(kN * kN), work(lwork);
-    std::vector<double> s(kN), rwork(5 * kN * kN + 7 * kN);
-    std::vector<int64_t> iwork(8 * kN);
+    GuardedArray<vek_complex> a = complex_with(bad), u(kN * kN), vt(kN * kN), work(lwork);
+    GuardedArray<double> s(kN), rwork(5 * kN * kN + 7 * kN);
+    GuardedArray<int64_t> iwork(8 * kN);
     int64_t info = 0;
     zgesdd_("A", &n, &n, a.data(), &n, s.data(), u.data(), &n, vt.data(), &n, work.data(), &lwork, rwork.data(),
             iwork.data(), &info, 1);
@@ -405,8 +405,8 @@ TEST_P(NonFinite, SvdAndLeastSquaresDriversReturnPromptly) {
     EXPECT_TRUE(all_nan(s.data(), kN));
   });
   expect_prompt("dgelsd", [&] {
-    std::vector<double> a = matrix_with(bad), b(kN, 1.0), s(kN), work(lwork);
-    std::vector<int64_t> iwork(200);
+    GuardedArray<double> a = matrix_with(bad), b(kN, 1.0), s(kN), work(lwork);
+    GuardedArray<int64_t> iwork(200);
     const double rcond = -1;
     int64_t rank = -1, info = 0;
     dgelsd_(&n, &n, &nrhs, a.data(), &n, b.data(), &n, s.data(), &rcond, &rank, work.data(), &lwork, iwork.data(),
@@ -416,9 +416,9 @@ TEST_P(NonFinite, SvdAndLeastSquaresDriversReturnPromptly) {
     EXPECT_TRUE(all_nan(b.data(), kN));
   });
   expect_prompt("zgelsd", [&] {
-    std::vector<vek_complex> a = complex_with(bad), b(kN, vek_complex{1, 0}), work(lwork);
-    std::vector<double> s(kN), rwork(2000);
-    std::vector<int64_t> iwork(200);
+    GuardedArray<vek_complex> a = complex_with(bad), b(kN, vek_complex{1, 0}), work(lwork);
+    GuardedArray<double> s(kN), rwork(2000);
+    GuardedArray<int64_t> iwork(200);
     const double rcond = -1;
     int64_t rank = -1, info = 0;
     zgelsd_(&n, &n, &nrhs, a.data(), &n, b.data(), &n, s.data(), &rcond, &rank, work.data(), &lwork, rwork.data(),
@@ -427,7 +427,7 @@ TEST_P(NonFinite, SvdAndLeastSquaresDriversReturnPromptly) {
     EXPECT_TRUE(all_nan(s.data(), kN));
   });
   expect_prompt("dbdsqr and dbdsdc", [&] {
-    std::vector<double> d(kN, 2.0), e(kN - 1, 0.5), vt(kN * kN), u(kN * kN), c(1), work(4 * kN);
+    GuardedArray<double> d(kN, 2.0), e(kN - 1, 0.5), vt(kN * kN), u(kN * kN), c(1), work(4 * kN);
     d[4] = bad;
     const int64_t zero = 0;
     int64_t info = 0;
@@ -435,8 +435,8 @@ TEST_P(NonFinite, SvdAndLeastSquaresDriversReturnPromptly) {
             &info, 1);
     EXPECT_EQ(info, kN);
     EXPECT_TRUE(all_nan(d.data(), kN));
-    std::vector<double> d2(kN, 2.0), e2(kN - 1, 0.5), q(1), wk(3 * kN * kN + 4 * kN);
-    std::vector<int64_t> iq(1), iwork(8 * kN);
+    GuardedArray<double> d2(kN, 2.0), e2(kN - 1, 0.5), q(1), wk(3 * kN * kN + 4 * kN);
+    GuardedArray<int64_t> iq(1), iwork(8 * kN);
     e2[2] = bad;
     info = 0;
     dbdsdc_("U", "I", &n, d2.data(), e2.data(), u.data(), &n, vt.data(), &n, q.data(), iq.data(), wk.data(),
@@ -450,9 +450,9 @@ TEST_P(NonFinite, EigenvalueDriversReturnPromptly) {
   const double bad = GetParam();
   const int64_t n = kN, lwork = 2000, liwork = 200;
   expect_prompt("dgeevx", [&] {
-    std::vector<double> a = matrix_with(bad), wr(kN), wi(kN), vl(kN * kN), vr(kN * kN), scale(kN), rce(kN), rcv(kN),
+    GuardedArray<double> a = matrix_with(bad), wr(kN), wi(kN), vl(kN * kN), vr(kN * kN), scale(kN), rce(kN), rcv(kN),
         work(lwork);
-    std::vector<int64_t> iwork(2 * kN);
+    GuardedArray<int64_t> iwork(2 * kN);
     int64_t ilo, ihi, info = 0;
     double abnrm;
     dgeevx_("B", "V", "V", "B", &n, a.data(), &n, wr.data(), wi.data(), vl.data(), &n, vr.data(), &n, &ilo, &ihi,
@@ -461,8 +461,8 @@ TEST_P(NonFinite, EigenvalueDriversReturnPromptly) {
     EXPECT_TRUE(all_nan(wr.data(), kN) && all_nan(wi.data(), kN));
   });
   expect_prompt("zgeevx", [&] {
-    std::vector<vek_complex> a = complex_with(bad), w(kN), vl(kN * kN), vr(kN * kN), work(lwork);
-    std::vector<double> scale(kN), rce(kN), rcv(kN), rwork(2 * kN);
+    GuardedArray<vek_complex> a = complex_with(bad), w(kN), vl(kN * kN), vr(kN * kN), work(lwork);
+    GuardedArray<double> scale(kN), rce(kN), rcv(kN), rwork(2 * kN);
     int64_t ilo, ihi, info = 0;
     double abnrm;
     zgeevx_("B", "V", "V", "B", &n, a.data(), &n, w.data(), vl.data(), &n, vr.data(), &n, &ilo, &ihi, scale.data(),
@@ -471,7 +471,7 @@ TEST_P(NonFinite, EigenvalueDriversReturnPromptly) {
     EXPECT_TRUE(all_nan(&w[0].re, kN, 2) && all_nan(&w[0].im, kN, 2));
   });
   expect_prompt("dgeev", [&] {
-    std::vector<double> a = matrix_with(bad), wr(kN), wi(kN), vl(kN * kN), vr(kN * kN), work(lwork);
+    GuardedArray<double> a = matrix_with(bad), wr(kN), wi(kN), vl(kN * kN), vr(kN * kN), work(lwork);
     int64_t info = 0;
     dgeev_("V", "V", &n, a.data(), &n, wr.data(), wi.data(), vl.data(), &n, vr.data(), &n, work.data(), &lwork,
            &info, 1, 1);
@@ -479,8 +479,8 @@ TEST_P(NonFinite, EigenvalueDriversReturnPromptly) {
     EXPECT_TRUE(all_nan(wr.data(), kN));
   });
   expect_prompt("dsyevr", [&] {
-    std::vector<double> a = matrix_with(bad), w(kN), z(kN * kN), work(lwork);
-    std::vector<int64_t> isuppz(2 * kN), iwork(liwork);
+    GuardedArray<double> a = matrix_with(bad), w(kN), z(kN * kN), work(lwork);
+    GuardedArray<int64_t> isuppz(2 * kN), iwork(liwork);
     const double vl = 0, vu = 0, abstol = 0;
     const int64_t il = 1, iu = kN;
     int64_t m = -1, info = 0;
@@ -490,27 +490,27 @@ TEST_P(NonFinite, EigenvalueDriversReturnPromptly) {
     EXPECT_TRUE(all_nan(w.data(), kN));
   });
   expect_prompt("dsyevd and zheev", [&] {
-    std::vector<double> a = matrix_with(bad), w(kN), work(lwork), rwork(3 * kN);
-    std::vector<int64_t> iwork(liwork);
+    GuardedArray<double> a = matrix_with(bad), w(kN), work(lwork), rwork(3 * kN);
+    GuardedArray<int64_t> iwork(liwork);
     int64_t info = 0;
     dsyevd_("V", "U", &n, a.data(), &n, w.data(), work.data(), &lwork, iwork.data(), &liwork, &info, 1, 1);
     EXPECT_EQ(info, kN);
     EXPECT_TRUE(all_nan(w.data(), kN));
-    std::vector<vek_complex> z = complex_with(bad), zwork(lwork);
+    GuardedArray<vek_complex> z = complex_with(bad), zwork(lwork);
     info = 0;
     zheev_("V", "L", &n, z.data(), &n, w.data(), zwork.data(), &lwork, rwork.data(), &info, 1, 1);
     EXPECT_EQ(info, kN);
     EXPECT_TRUE(all_nan(w.data(), kN));
   });
   expect_prompt("dggev and dhseqr", [&] {
-    std::vector<double> a = matrix_with(bad), b = matrix_with(1.0), ar(kN), ai(kN), be(kN), vl(kN * kN), vr(kN * kN),
+    GuardedArray<double> a = matrix_with(bad), b = matrix_with(1.0), ar(kN), ai(kN), be(kN), vl(kN * kN), vr(kN * kN),
         work(lwork);
     int64_t info = 0;
     dggev_("N", "V", &n, a.data(), &n, b.data(), &n, ar.data(), ai.data(), be.data(), vl.data(), &n, vr.data(), &n,
            work.data(), &lwork, &info, 1, 1);
     EXPECT_EQ(info, kN);
     EXPECT_TRUE(all_nan(be.data(), kN));
-    std::vector<double> h = matrix_with(bad), z(kN * kN);
+    GuardedArray<double> h = matrix_with(bad), z(kN * kN);
     h[5] = 99;  // below the subdiagonal: not part of the Hessenberg matrix, not screened
     for (int64_t j = 0; j < kN; ++j)
       for (int64_t i = j + 2; i < kN; ++i) h[i + j * kN] = kNaN;
