@@ -5,6 +5,9 @@
 // reference LAPACK (blocked right-looking LU over the same BLAS) when it is installed: "vs_reference".
 // Full sizes are dgemm n = 2000 and dgetrf n = 4000; a short run (--benchmark_min_time below 0.5, as under
 // CTest) uses n = 400 and 800 so that the suite stays quick.
+// BM_Screen: the cost of the non-finite screen in front of the iterating drivers, on finite n = 1000 problems
+// (values only, so that the screen's one pass weighs most): dgesdd, dsyevd and dgeev through the library's
+// names against OpenBLAS's own, one thread, alternating calls; "vs_openblas" within 0.99 is the aim.
 #include <benchmark/benchmark.h>
 #include <dlfcn.h>
 
@@ -152,6 +155,80 @@ void BM_Dgetrf(benchmark::State& state) {
   }
 }
 
+using Dgesdd = void (*)(const char*, const int64_t*, const int64_t*, double*, const int64_t*, double*, double*,
+                        const int64_t*, double*, const int64_t*, double*, const int64_t*, int64_t*, int64_t*, int64_t);
+using Dsyevd = void (*)(const char*, const char*, const int64_t*, double*, const int64_t*, double*, double*,
+                        const int64_t*, int64_t*, const int64_t*, int64_t*, int64_t, int64_t);
+using Dgeev = void (*)(const char*, const char*, const int64_t*, double*, const int64_t*, double*, double*, double*,
+                       const int64_t*, double*, const int64_t*, double*, const int64_t*, int64_t*, int64_t, int64_t);
+
+template <class F>
+F openblas(const char* symbol) {
+  return reinterpret_cast<F>(baseline_symbol(VEK_OPENBLAS64_SHARED, symbol));
+}
+
+// One call of a driver on a fresh copy of the matrix, by whichever implementation `side` picks.
+struct ScreenedDriver {
+  std::vector<double> a0, a, out1, out2, work;
+  std::vector<int64_t> iwork;
+  int64_t n, lwork, liwork, info = 0;
+
+  ScreenedDriver(int64_t size, bool symmetric) : n(size) {
+    a0 = random_matrix(n, 4);
+    if (symmetric)
+      for (int64_t j = 0; j < n; ++j)
+        for (int64_t i = 0; i < j; ++i) a0[static_cast<size_t>(i + j * n)] = a0[static_cast<size_t>(j + i * n)];
+    out1.resize(static_cast<size_t>(n));
+    out2.resize(static_cast<size_t>(n));
+    lwork = 4 * n * n + 16 * n + 1000;
+    liwork = 8 * n + 100;
+    work.resize(static_cast<size_t>(lwork));
+    iwork.resize(static_cast<size_t>(liwork));
+  }
+};
+
+// Arguments: n, driver (0 dgesdd, 1 dsyevd, 2 dgeev).
+void BM_Screen(benchmark::State& state) {
+  const int64_t n = state.range(0), which = state.range(1);
+  const Threads threads(1);
+  // OpenBLAS's shared copy sizes its own team apart from the OpenMP setting: one thread there too.
+  using SetThreads = void (*)(int);
+  reinterpret_cast<SetThreads>(baseline_symbol(VEK_OPENBLAS64_SHARED, "openblas_set_num_threads"))(1);
+  ScreenedDriver d(n, which == 1);
+  const Dgesdd ob_gesdd = which == 0 ? openblas<Dgesdd>("dgesdd_") : nullptr;
+  const Dsyevd ob_syevd = which == 1 ? openblas<Dsyevd>("dsyevd_") : nullptr;
+  const Dgeev ob_geev = which == 2 ? openblas<Dgeev>("dgeev_") : nullptr;
+  auto call = [&](bool ours) {
+    d.a = d.a0;
+    double* a = d.a.data();
+    if (which == 0) {
+      (ours ? dgesdd_ : ob_gesdd)("N", &n, &n, a, &n, d.out1.data(), nullptr, &n, nullptr, &n, d.work.data(), &d.lwork,
+                                  d.iwork.data(), &d.info, 1);
+    } else if (which == 1) {
+      (ours ? dsyevd_ : ob_syevd)("N", "U", &n, a, &n, d.out1.data(), d.work.data(), &d.lwork, d.iwork.data(),
+                                  &d.liwork, &d.info, 1, 1);
+    } else {
+      (ours ? dgeev_ : ob_geev)("N", "N", &n, a, &n, d.out1.data(), d.out2.data(), nullptr, &n, nullptr, &n,
+                                d.work.data(), &d.lwork, &d.info, 1, 1);
+    }
+  };
+  call(true);
+  call(false);
+  double vek_s = kNotYet, ob_s = kNotYet;
+  for (auto _ : state) {
+    d.a = d.a0;
+    const double s = seconds([&] { call(true); });
+    vek_s = std::min(vek_s, s);
+    state.SetIterationTime(s);
+    ob_s = std::min(ob_s, seconds([&] { call(false); }));
+    if (d.info != 0) state.SkipWithError("driver failed");
+  }
+  state.counters["vek_ms"] = vek_s * 1e3;
+  state.counters["openblas_ms"] = ob_s * 1e3;
+  state.counters["vs_openblas"] = ob_s / vek_s;
+  state.SetLabel(which == 0 ? "dgesdd" : which == 1 ? "dsyevd" : "dgeev");
+}
+
 bool short_run(int argc, char** argv) {
   const std::string flag = "--benchmark_min_time=";
   for (int i = 1; i < argc; ++i)
@@ -167,6 +244,10 @@ int main(int argc, char** argv) {
   for (auto* b : {benchmark::RegisterBenchmark("BM_Dgemm", BM_Dgemm)->Args({gemm_n, 1})->Args({gemm_n, 2}),
                   benchmark::RegisterBenchmark("BM_Dgetrf", BM_Dgetrf)->Args({lu_n, 1})->Args({lu_n, 2})})
     b->ArgNames({"n", "threads"})->UseManualTime()->Unit(benchmark::kMillisecond);
+  const int64_t screen_n = quick ? 200 : 1000;
+  benchmark::RegisterBenchmark("BM_Screen", BM_Screen)
+      ->Args({screen_n, 0})->Args({screen_n, 1})->Args({screen_n, 2})
+      ->ArgNames({"n", "driver"})->UseManualTime()->Unit(benchmark::kMillisecond);
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   benchmark::RunSpecifiedBenchmarks();

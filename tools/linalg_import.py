@@ -211,6 +211,95 @@ MIXED = {"sgesv": "Solves A X = B for a general matrix by single-precision LU an
          "cposv": "Solves A X = B for a positive definite matrix by single-precision Cholesky and refinement."}
 
 
+# ---- guards (src/linalg/guards.h, tools/decl/emit_guard.py) ---------------------------------------------------
+# By published name, or by name without its precision letter; {name} is the published name. Non-finite
+# screens of the iterating routines: INFO = max(1, order of the problem) on a NaN or an infinity, except
+# ?gesdd, whose published check of A is INFO = -4.
+SVD = "full(A,M,N,LDA) -> vec(S,min(M,N))"
+JACOBI_SVD = "full(A,M,N,LDA) -> vec(SVA,N)"
+LEAST_SQUARES = "full(A,M,N,LDA) -> vec(S,min(M,N)) full(B,max(M,N),NRHS,LDB)"
+BIDIAGONAL = "vec(D,N,1) vec(E,N-1,0) -> vec(D,N)"
+TRIDIAGONAL_W = "vec(D,N,1) vec(E,N-1,0) -> vec(W,N)"
+SYM = "tri(A,UPLO,N,LDA) -> vec(W,N)"
+SYM_PACKED = "packed(AP,UPLO,N) -> vec(W,N)"
+SYM_BAND = "band(AB,UPLO,N,KD,LDAB) -> vec(W,N)"
+SYM_GEN = "tri(A,UPLO,N,LDA) tri(B,UPLO,N,LDB) -> vec(W,N)"
+SYM_GEN_PACKED = "packed(AP,UPLO,N) packed(BP,UPLO,N) -> vec(W,N)"
+SYM_GEN_BAND = "band(AB,UPLO,N,KA,LDAB) band(BB,UPLO,N,KB,LDBB) -> vec(W,N)"
+REAL_EIG = "full(A,N,N,LDA) -> vec(WR,N) vec(WI,N)"
+COMPLEX_EIG = "full(A,N,N,LDA) -> vec(W,N)"
+REAL_PAIR = "full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHAR,N) vec(ALPHAI,N) vec(BETA,N)"
+COMPLEX_PAIR = "full(A,N,N,LDA) full(B,N,N,LDB) -> vec(ALPHA,N) vec(BETA,N)"
+NORM_LETTERS = "NORM~M1OIFE"
+
+
+def screens(code: str, regions: str, *operations: str) -> dict:
+    return {op: f"screen {code} {regions}" for op in operations}
+
+
+GUARDS = {
+    **screens("min(M,N)", SVD, "gesvd", "gesvdx"), **screens("-4", SVD, "gesdd"),
+    **screens("min(M,N)", JACOBI_SVD, "gejsv", "gesvj"), **screens("min(M,N)", LEAST_SQUARES, "gelss", "gelsd"),
+    **screens("N", BIDIAGONAL, "bdsqr", "bdsdc", "stev", "stevd", "steqr", "sterf", "pteqr", "stedc"),
+    **screens("N", TRIDIAGONAL_W, "stevx", "stevr", "stemr"),
+    **screens("N", SYM, "syev", "syevx", "syevd", "syevr", "heev", "heevx", "heevd", "heevr"),
+    **screens("N", SYM_PACKED, "spev", "spevx", "spevd", "hpev", "hpevx", "hpevd"),
+    **screens("N", SYM_BAND, "sbev", "sbevx", "sbevd", "hbev", "hbevx", "hbevd"),
+    **screens("N", SYM_GEN, "sygv", "sygvx", "sygvd", "hegv", "hegvx", "hegvd"),
+    **screens("N", SYM_GEN_PACKED, "spgv", "spgvx", "spgvd", "hpgv", "hpgvx", "hpgvd"),
+    **screens("N", SYM_GEN_BAND, "sbgv", "sbgvx", "sbgvd", "hbgv", "hbgvx", "hbgvd"),
+    **screens("N", REAL_EIG, "dgeev", "dgeevx", "dgees", "dgeesx"),
+    **screens("N", COMPLEX_EIG, "zgeev", "zgeevx", "zgees", "zgeesx"),
+    **screens("N", "hess(H,N,LDH) -> vec(WR,N) vec(WI,N)", "dhseqr"),
+    **screens("N", "hess(H,N,LDH) -> vec(W,N)", "zhseqr"),
+    **screens("N", REAL_PAIR, "dggev", "dggev3", "dggevx", "dgges", "dgges3", "dggesx"),
+    **screens("N", COMPLEX_PAIR, "zggev", "zggev3", "zggevx", "zgges", "zgges3", "zggesx"),
+    **screens("N", "hess(H,N,LDH) tri(T,'U',N,LDT) -> vec(ALPHAR,N) vec(ALPHAI,N) vec(BETA,N)", "dhgeqz"),
+    **screens("N", "hess(H,N,LDH) tri(T,'U',N,LDT) -> vec(ALPHA,N) vec(BETA,N)", "zhgeqz"),
+    **screens("N", "full(A,M,N,LDA) full(B,P,N,LDB) -> vec(ALPHA,N) vec(BETA,N)", "ggsvd3"),
+    # Packed symmetric / Hermitian indefinite factorisations: a NaN pivot takes the dependency's packed code
+    # to an index it never set; with a NaN or an infinity in AP the factorisation runs in full storage.
+    "sptrf": "packed_factor @{name} UPLO N AP IPIV &INFO", "hptrf": "packed_factor @{name} UPLO N AP IPIV &INFO",
+    "spsv": "packed_solve @{name} UPLO N NRHS AP IPIV B LDB &INFO",
+    "hpsv": "packed_solve @{name} UPLO N NRHS AP IPIV B LDB &INFO",
+    "spsvx": "packed_expert @{name} &FACT UPLO N NRHS AP AFP IPIV LDB LDX &RCOND &INFO",
+    "hpsvx": "packed_expert @{name} &FACT UPLO N NRHS AP AFP IPIV LDB LDX &RCOND &INFO",
+    # Published checks the dependency omits or mistakes.
+    "getrs": "require @{name} info TRANS~NTC",
+    "geqp3": "pivoted_qr M N LDA JPVT WORK LWORK &INFO",
+    "tgsja": "generalized_svd_pair @{name} JOBU JOBV JOBQ M P N K L LDA LDB LDU LDV LDQ U V Q &NCYCLE &INFO",
+    "laswp": "row_interchange @{name} N A LDA K1 K2 IPIV INCX",
+    "lange": f"require @{{name}} nan {NORM_LETTERS} M>=0 N>=0 LDA>=max(1,M)",
+    "lansy": f"require @{{name}} nan {NORM_LETTERS} UPLO~UL N>=0 LDA>=max(1,N)",
+    "lanhe": f"require @{{name}} nan {NORM_LETTERS} UPLO~UL N>=0 LDA>=max(1,N)",
+    "lantr": f"require @{{name}} nan {NORM_LETTERS} UPLO~UL DIAG~UN M>=0 N>=0 LDA>=max(1,M)",
+    "lanhs": f"require @{{name}} nan {NORM_LETTERS} N>=0 LDA>=max(1,N)",
+    "langb": f"require @{{name}} nan {NORM_LETTERS} N>=0 KL>=0 KU>=0 LDAB>=KL+KU+1",
+    "lansb": f"require @{{name}} nan {NORM_LETTERS} UPLO~UL N>=0 K>=0 LDAB>=K+1",
+    "lanhb": f"require @{{name}} nan {NORM_LETTERS} UPLO~UL N>=0 K>=0 LDAB>=K+1",
+    "lantb": f"require @{{name}} nan {NORM_LETTERS} UPLO~UL DIAG~UN N>=0 K>=0 LDAB>=K+1",
+    "lansp": f"require @{{name}} nan {NORM_LETTERS} UPLO~UL N>=0", "lanhp": f"require @{{name}} nan {NORM_LETTERS} UPLO~UL N>=0",
+    "lantp": f"require @{{name}} nan {NORM_LETTERS} UPLO~UL DIAG~UN N>=0",
+    "langt": f"require @{{name}} nan {NORM_LETTERS} N>=0", "lanst": f"require @{{name}} nan {NORM_LETTERS} N>=0",
+    "lanht": f"require @{{name}} nan {NORM_LETTERS} N>=0",
+    # BLAS: dot products with a negative increment run the library's loop; option letters of the products.
+    "dot": "dot N X INCX Y INCY", "dotu": "dotu N X INCX Y INCY", "dotc": "dotc N X INCX Y INCY",
+    "gemv": "require @{name} none TRANS~NTC", "gbmv": "require @{name} none TRANS~NTC",
+    "gemm": "require @{name} none TRANSA~NTC TRANSB~NTC",
+    **{op: "require @{name} none UPLO~UL TRANS~NTC DIAG~UN" for op in ("trmv", "trsv", "tbmv", "tbsv", "tpmv", "tpsv")},
+    **{op: "require @{name} none SIDE~LR UPLO~UL TRANSA~NTC DIAG~UN" for op in ("trmm", "trsm")},
+    "rotmg": "modified_rotation &D1 &D2 &X1 &Y1 PARAM",
+}
+
+
+def guard_line(published: str) -> str | None:
+    spec = GUARDS.get(published) or GUARDS.get(published[1:])
+    if spec is None:
+        return None
+    words = spec.format(name=published).split()
+    return "  guard " + " ".join(f'"{w}"' if "'" in w else w for w in words)
+
+
 def sentence_case(text: str) -> str:
     """The text continued after "Real: ": its first word in lower case unless it is a name or an acronym."""
     first = text.split()[0]
@@ -356,6 +445,9 @@ def emit_decl(chapter: str, routines: list[Routine]) -> str:
         out += [a.decl() for a in r.args]
         if not r.hand:
             out.append(f"  forwards {PREFIX}{r.published}")
+            guard = guard_line(r.published)
+            if guard:
+                out.append(guard)
         out.append(f"published {r.published} {r.symbol}")
     return "\n".join(out) + "\n"
 

@@ -84,6 +84,13 @@ CASES = [
     ("routine declared twice", HEAD + HEAD, 6, "t09aaf_ is declared twice"),
     ("routine in two files", {"t09.decl": HEAD, "t10.decl": HEAD}, ("t10.decl", 1), "t09aaf_ is declared twice"),
     ("published name taken", HEAD + "published t09aaf t09aafn\n", 6, "t09aaf_ is declared twice"),
+    ("guard without forwards", HEAD + "  guard dot N X\n", 6, "'guard NAME ...' follows 'forwards'"),
+    ("guard of an unknown argument", HEAD + "  forwards vekob_foo\n  guard dot N Y\n", 7,
+     "guard: 'Y' is not an argument of t09aaf"),
+    ("guard region", HEAD + "  in INFO int\n  forwards vekob_foo\n  guard screen N disc(X,N)\n", 8,
+     "guard: 'disc(X,N)' is not a region"),
+    ("guard require syntax", HEAD + "  forwards vekob_foo\n  guard require N>=0\n", 7,
+     "'guard require @NAME nan|info|none CONDITION...'"),
     ("forwarding routine with checks", HEAD + "  forwards vekob_foo\n" + MSG + "  check N >= 1 else m\n", 1,
      "checks belong to a routine with a hand-written body"),
     # ---- messages

@@ -168,6 +168,7 @@ class Routine:
     returns: str | None = None
     purpose: str = ""
     forwards: str | None = None  # the worker passes its arguments unchanged to this symbol of a dependency
+    guard: list[str] = field(default_factory=list)  # a forwarding worker first asks this guard (emit_guard.py)
     flag: str | None = None      # reverse communication: the argument that is 0 on the final return
     illegal: list[str] = field(default_factory=list)  # records reporting an illegal argument (after resolve)
     args: list[Arg] = field(default_factory=list)

@@ -7,6 +7,7 @@ from pathlib import Path
 
 from .model import (C_TYPES, INTENTS, Arg, Callback, Chapter, Check, DeclError, Field, Group, Illegal, Message, Published,
                     Routine, State, Use)
+from .emit_guard import emit_guarded_worker
 from .options import OptionsParser
 
 TYPE_RE = re.compile(r"^(int|logical|real|single|complex|scomplex|char)(?:\[(.+)\])?$")
@@ -240,6 +241,16 @@ class Parser:
         if len(rest) != 1:
             raise DeclError(f"{where}: 'forwards SYMBOL'")
         self.current("forwards", where).forwards = rest[0]
+
+    def kw_guard(self, rest, where):
+        r = self.current("guard", where)
+        if not r.forwards or not rest:
+            raise DeclError(f"{where}: 'guard NAME ...' follows 'forwards'")
+        r.guard = rest
+        try:
+            emit_guarded_worker(r, "check")  # every name and region resolved now, at this line
+        except ValueError as e:
+            raise DeclError(f"{where}: {e}") from None
 
     def kw_flag(self, rest, where):
         r = self.current("flag", where)

@@ -1,0 +1,97 @@
+"""Forwarding workers with a guard (the 'guard' line of a routine that forwards to a dependency).
+
+  guard screen CODE IN... -> OUT...   non-finite screen of an iterating routine: the worker scans the input
+                                      regions IN; on a NaN or infinity it sets them to the identity, forwards
+                                      (the dependency makes all its argument checks and runs on a trivial
+                                      problem), then fills the regions OUT with NaN and sets INFO = CODE
+                                      (at least 1). Regions: full(A,M,N,LDA) tri(A,UPLO,N,LDA)
+                                      packed(AP,UPLO,N) band(AB,UPLO,N,KD,LDAB) hess(H,N,LDH) vec(D,LEN,FILL).
+  guard NAME ARG...                   vek::linalg::guard::NAME(forward, ARG...) decides: forward, or handle
+                                      the case itself.
+  guard require @NAME RESULT COND...  the published checks the dependency does not make, in argument order;
+                                      COND is an expression that must hold or ARG~LETTERS (an option letter);
+                                      the first failing one is reported with the position of its first
+                                      argument, and RESULT is returned: nan, info (INFO = -position) or none.
+Arguments of a named guard: a scalar argument by value, an array by its address, &INFO a scalar's address
+(the forwarding call sees what the guard writes there), @zgemv the published name (for the argument-error report), =NTC a string.
+Expressions are C-like over the scalar arguments, with min() and max().
+"""
+from __future__ import annotations
+
+import re
+
+from .model import Routine
+
+NS = "vek::linalg::guard::"
+QUERY_ARGS = ("LWORK", "LRWORK", "LIWORK")
+
+
+def expression(r: Routine, text: str) -> str:
+    if text.startswith("&"):  # the argument's address, where the guard needs it rather than its value
+        return expression(r, text[1:]).strip("()*")
+    if text.startswith("@") or text.startswith("="):  # a published name, a set of option letters
+        return '"' + text[1:].upper() + '"'
+    def name(m):
+        word = m.group(0)
+        if word == "nullptr":
+            return word
+        if word in ("min", "max"):
+            return f"std::{word}<int64_t>"
+        a = r.arg(word)
+        if a is None:
+            raise ValueError(f"guard: '{word}' is not an argument of {r.name}")
+        return a.param if not a.is_scalar else f"(*{a.param})"
+    return re.sub(r"(?<!')\b[A-Za-z_]\w*\b(?!')", name, text)
+
+
+def region(r: Routine, text: str) -> str:
+    m = re.fullmatch(r"(full|tri|packed|band|hess|vec)\((.*)\)", text)
+    if not m:
+        raise ValueError(f"guard: '{text}' is not a region full() tri() packed() band() hess() vec()")
+    return f"{NS}{m.group(1)}({expression(r, m.group(2))})"
+
+
+def condition(r: Routine, text: str) -> tuple[int, str]:
+    """The argument position a condition reports (its first argument) and its C++ form."""
+    first = re.search(r"\b[A-Z]\w*", text)
+    if not first or not r.arg(first.group(0)):
+        raise ValueError(f"guard: condition '{text}' names no argument")
+    position = 1 + [a.name for a in r.args].index(first.group(0))
+    if "~" in text:
+        name, letters = text.split("~")
+        return position, f"{NS}letter_ok({expression(r, name)}, \"{letters}\")"
+    return position, f"({expression(r, text)})"
+
+
+def emit_require(r: Routine, rest: list[str]) -> list[str]:
+    if len(rest) < 3 or not rest[0].startswith("@") or rest[1] not in ("nan", "info", "none"):
+        raise ValueError("'guard require @NAME nan|info|none CONDITION...'")
+    published, result, conditions = rest[0], rest[1], rest[2:]
+    if result == "info" and not r.arg("INFO"):
+        raise ValueError("guard require ... info: the routine has no INFO")
+    chain = " : ".join(f"!{c} ? {p}" for p, c in (condition(r, t) for t in conditions))
+    failed = {"nan": f"return {NS}nan();", "info": "*info = -bad;\n  return;", "none": "return;"}[result]
+    return [f"  const int64_t bad = {chain} : 0;", "  if (bad == 0) return forward();",
+            f"  {NS}report({expression(r, published)}, bad);", f"  {failed}"]
+
+
+def emit_guarded_worker(r: Routine, worker: str) -> list[str]:
+    head = f"{r.ret_type()} {worker}({', '.join(r.worker_params())}) {{"
+    forward = f"  const auto forward = [&] {{ return {r.forwards}_({r.worker_call()}); }};"
+    kind, rest = r.guard[0], r.guard[1:]
+    if kind == "require":
+        return [head, forward] + emit_require(r, rest) + ["}"]
+    if kind != "screen":
+        args = ", ".join(expression(r, a) for a in rest)
+        return [head, forward, f"  return {NS}{kind}(forward{', ' + args if args else ''});", "}"]
+    if not rest or not r.arg("INFO"):
+        raise ValueError("'guard screen CODE REGION... -> REGION...' in a routine with INFO")
+    code, regions = rest[0], rest[1:]
+    arrow = regions.index("->") if "->" in regions else len(regions)
+    inputs = [region(r, t) for t in regions[:arrow]]
+    outputs = [region(r, t) for t in regions[arrow + 1:]]
+    query = " || ".join(f"*{r.arg(n).param} == -1" for n in QUERY_ARGS if r.arg(n)) or "false"
+    return [head, forward,
+            f"  return {NS}screen(forward, info, {expression(r, code)}, {query},",
+            f"                   {{{', '.join(inputs)}}},",
+            f"                   {{{', '.join(outputs)}}});", "}"]
