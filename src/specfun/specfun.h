@@ -80,6 +80,14 @@ double gamma_p(double a, double x);
 double gamma_q(double a, double x);
 // dP/dx = x^(a-1) e^-x / Gamma(a), the gamma density, for a > 0, x > 0 (NaN outside).
 double gamma_p_derivative(double a, double x);
+// ln T and d ln T / dx for the tail T = P(a, x) (lower) or Q(a, x), a > 0, 0 < x < inf: finite however far T
+// lies below the underflow threshold, for the inverse's Newton iteration.
+struct GammaTailLog {
+  long double log_tail;
+  double slope;
+  bool converged;
+};
+GammaTailLog gamma_tail_log(double a, double x, bool lower);
 // The x >= 0 with P(a, x) = p and Q(a, x) = q: the smaller of p and q is matched, so a tail probability keeps
 // its relative accuracy. p + q should be 1; q = 0 or a = +inf gives +inf, p = 0 gives 0. a <= 0, p or q
 // outside [0, 1], or NaN give NaN.

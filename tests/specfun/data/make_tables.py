@@ -19,6 +19,7 @@ import mpmath as mp
 
 mp.mp.dps = 50
 HERE = Path(__file__).resolve().parent
+SEED = 20261122
 
 
 def d(x):
@@ -150,6 +151,35 @@ def digamma_tables(rng):
         for x in uniform(rng, -20.0, 0.0, 10):
             if x != round(x):
                 rows.append(("negative", (n, x), (mp.polygamma(n, mp.mpf(x)),)))
+    def polygamma_ref(n, x):
+        """mpmath's polygamma, its working precision doubled until two values agree to 40 digits (its
+        reflection cancels for large negative x, as at n = 48, x = -47420.5)."""
+        dps, prev = 60, None
+        while True:
+            with mp.workdps(dps):
+                v = mp.polygamma(n, mp.mpf(x))
+            if prev is not None and abs(v - prev) <= abs(v) * mp.mpf(10) ** -40:
+                return v
+            prev, dps = v, 2 * dps
+
+    more = random.Random(SEED + 2)
+    for _ in range(60):  # every order to 50; large x, where the result once underflowed early
+        n = more.randint(1, 50)
+        x = d(10 ** more.uniform(3, 300))
+        rows.append(("large", (n, x), (polygamma_ref(n, x),)))
+    for _ in range(60):
+        n = more.randint(31, 50)
+        x = d(10 ** more.uniform(-2, 3))
+        rows.append(("high_order", (n, x), (polygamma_ref(n, x),)))
+    for _ in range(80):  # reflection, down to -1e5, a quarter of the points half-integers
+        n = more.randint(1, 50)
+        x = d(-10 ** more.uniform(0, 5))
+        if more.random() < 0.25:
+            x = d(mp.floor(x) + 0.5)
+        if x != round(x):
+            rows.append(("far_negative", (n, x), (polygamma_ref(n, x),)))
+    rows.append(("far_negative", (48, -47420.5), (polygamma_ref(48, -47420.5),)))  # once -2.9e52
+    rows.append(("large", (1, 4.2e218), (polygamma_ref(1, 4.2e218),)))  # once 0
     write("polygamma", "psi^(n)(x)", rows)
 
 
@@ -210,6 +240,38 @@ def inverse_gamma_tables(rng):
     sample(rng, add, "small_a", 80, (-3, 0), lambda a: a * 10 ** rng.uniform(-2, 1.3))
     sample(rng, add, "central", 80, (0, 3), lambda a: a * (1 + rng.uniform(-1, 1) * min(3 / mp.sqrt(a), 0.9)))
     sample(rng, add, "tails", 60, (0, 3), lambda a: a * 10 ** rng.uniform(-1.5, 0.5))
+
+    def add_far(region, a, t, lower):
+        """The x whose lower (or upper) tail is the double t: Newton's iteration on ln T - ln t, kept inside a
+        shrinking bracket (bisection in ln x where a step would leave it)."""
+        a, t = d(a), d(t)
+        tail = (lambda x: gamma_p_series(a, x)) if lower else (lambda x: mp.gammainc(a, x, mp.inf, regularized=True))
+        sign = 1 if lower else -1
+        lo, hi = (mp.mpf(10) ** -320, mp.mpf(a) + 1) if lower else (mp.mpf(a), -2 * mp.log(t) + 10 * mp.mpf(a) + 100)
+        x = mp.sqrt(lo * hi)
+        for _ in range(500):
+            tx = tail(x)
+            f = mp.log(tx) - mp.log(t)
+            if sign * f > 0:
+                hi = x
+            else:
+                lo = x
+            density = mp.exp((a - 1) * mp.log(x) - x - mp.loggamma(a))
+            step = f / (sign * density / tx)
+            nxt = x - step
+            if not lo < nxt < hi:
+                nxt = mp.sqrt(lo * hi)
+            if abs(nxt - x) < abs(x) * mp.mpf(10) ** -45:
+                break
+            x = nxt
+        rows.append((region, (a, t, 1.0) if lower else (a, 1.0, t), (nxt,)))
+
+    far = random.Random(SEED + 1)  # regions added later draw from their own streams, leaving the others' points
+    for _ in range(40):  # both far tails, t from 1e-300 to 1e-200
+        add_far("far_lower", 10 ** far.uniform(0, 4), 10 ** -far.uniform(200, 300), True)
+        add_far("far_upper", 10 ** far.uniform(-3, 4), 10 ** -far.uniform(200, 300), False)
+    add_far("far_upper", 1.16175842169, 1.20692945046e-262, False)  # once 1815.77 (true 604.199)
+    add_far("far_lower", 3498.89534609, 7.0996692623e-218, True)  # once 1117.36 (true 1951.01)
     write("gamma_pq_inv", "x with P(a, x) = p, Q(a, x) = q", rows)
 
 
@@ -321,7 +383,7 @@ def main():
     if "--coefficients" in sys.argv:
         coefficients()
         return
-    rng = random.Random(20261122)
+    rng = random.Random(SEED)
     erf_tables(rng)
     dawson_tables(rng)
     inverse_tables(rng)
