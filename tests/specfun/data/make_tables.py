@@ -327,6 +327,24 @@ def faddeeva_tables(rng):
         add("large", rng.choice([-1, 1]) * 10 ** rng.uniform(0, 6), 10 ** rng.uniform(0.78, 6))
     for _ in range(40):
         add("lower", rng.uniform(-2, 2), -rng.uniform(0, 1))
+    def add_checked(region, x, y):
+        """As add, the value confirmed at twice the working precision (exp(-z^2) and erfc(-iz) are huge and
+        tiny together far from the origin)."""
+        x, y = d(x), d(y)
+        with mp.workdps(2 * mp.mp.dps):
+            twice = faddeeva(mp.mpc(x, y))
+        v = faddeeva(mp.mpc(x, y))
+        assert abs(v - twice) <= abs(twice) * mp.mpf(10) ** -40
+        rows.append((region, (x, y), (twice.real, twice.imag)))
+
+    more = random.Random(SEED + 3)
+    for _ in range(60):  # on the axis, Re w = exp(-x^2) down to the underflow threshold
+        add_checked("axis", more.uniform(-26.5, 26.5), 0.0)
+    for _ in range(60):
+        add_checked("near_axis_far", more.choice([-1, 1]) * more.uniform(5, 26.5), 10 ** more.uniform(-12, -1))
+    for _ in range(80):  # lower half-plane to |z| = 1e3, |w| up to about 1e300
+        x = more.choice([-1, 1]) * 10 ** more.uniform(-1, 3)
+        add_checked("lower_far", x, -more.uniform(0, float(mp.sqrt(x * x + 690))))
     write("faddeeva", "Re and Im of w(x + iy)", rows)
 
 
