@@ -21,6 +21,8 @@ namespace {
 
 constexpr double kEps = vek::constants::eps();
 constexpr double kTinyDenominator = 1e-300;
+// Parameters at most this (relative to the other, when that exceeds 1) take the tiny-parameter forms.
+constexpr double kTiny = 1e-5;
 
 // -a D(u), D(u) = u - ln(1 + u), where 1 + u = ratio and a u = a_u: the series where it has no cancellation,
 // else ln(ratio) straight from the arguments (u is useless once 1 + u has lost its digits near u = -1).
@@ -51,6 +53,55 @@ double power_terms(double a, double b, double x, double y) {
   const double direct = xa * yb / (a < 10.0 && b < 10.0 ? beta(a, b) : std::exp(lbeta(a, b)));
   if (direct > 0x1p-1000 && direct < HUGE_VAL) return direct;
   return static_cast<double>(std::exp(la * log_x + lb * log_y - lbeta(a, b)));
+}
+
+// 1/(a B(a, b)) = Gamma(a + b)/(Gamma(1 + a) Gamma(b)) = ratio e^g for a <= kTiny max(b, 1), with g small: from
+// b >= 1, ratio = 1 and g = [ln Gamma(b + a) - ln Gamma(b)] - ln Gamma(1 + a); below 1, through Gamma(b + a)/Gamma(b)
+// = (b/(b + a)) Gamma(1 + b + a)/Gamma(1 + b), ratio = b/(a + b) (kept apart: its logarithm reaches -744 for
+// subnormal a, and rounded it would cost hundreds of ulps). The shifted ln Gamma by Taylor's series in a, four
+// terms, each about a / max(b, 1) times the one before.
+struct InverseABeta {
+  double ratio;
+  double g;
+};
+InverseABeta inverse_a_beta(double a, double b) {
+  const double at = b >= 1.0 ? b : 1.0 + b;
+  double sum = 0.0, power = 1.0;
+  for (int k = 1; k <= 4; ++k) {
+    power *= a / k;
+    sum += power * polygamma(k - 1, at);
+  }
+  return {b >= 1.0 ? 1.0 : b / (a + b), sum - lgamma1p(a)};
+}
+
+// x^a y^b / (a B(a, b)) when a or b is below kTiny (relative to the other when that exceeds 1), from
+// 1/(a B(a, b)) above or (b/a) / (b B(b, a)); B, which overflows for subnormal parameters, is never formed.
+double power_terms_over_a_tiny(double a, double b, double x, double y) {
+  const bool a_tiny = a <= kTiny * std::max(b, 1.0);
+  const InverseABeta f = a_tiny ? inverse_a_beta(a, b) : inverse_a_beta(b, a);
+  const double direct = std::pow(x, a) * std::pow(y, b) * (f.ratio * std::exp(f.g)) * (a_tiny ? 1.0 : b / a);
+  if (direct > 0x1p-1000 && direct < HUGE_VAL) return direct;
+  const long double la = a, lb = b;
+  const long double log_x = x <= 0.5 ? std::log(static_cast<long double>(x)) : std::log1p(-static_cast<long double>(y));
+  const long double log_y = y <= 0.5 ? std::log(static_cast<long double>(y)) : std::log1p(-static_cast<long double>(x));
+  const long double log_ratio = std::log(static_cast<long double>(f.ratio)) + (a_tiny ? 0.0L : std::log(lb) - std::log(la));
+  return static_cast<double>(std::exp(la * log_x + lb * log_y + f.g + log_ratio));
+}
+
+// 1 - I_x(a, b) for a below kTiny where I_x(a, b) is near 1 (x < (a + 1)/(a + b + 2)), from the power series
+// I_x(a, b) = x^a e^G (1 + a S), e^G = 1/(a B(a, b)), S = sum_{n>=1} (1-b)_n x^n / (n! (a + n)) (DiDonato and
+// Morris's BPSER): 1 - I_x = -expm1(a ln x + G) - e^(a ln x + G) a S, both parts without cancellation.
+double complement_tiny_a(double a, double b, double x) {
+  double s = 0.0, term = 1.0;
+  for (int n = 1; n < 2000; ++n) {
+    term *= (n - b) / n * x;
+    const double add = term / (a + n);
+    s += add;
+    if (std::fabs(add) <= kEps * std::fabs(s)) break;
+  }
+  const InverseABeta f = inverse_a_beta(a, b);
+  const double exponent = a * std::log(x) + f.g - (b >= 1.0 ? 0.0 : std::log1p(a / b));
+  return -std::expm1(exponent) - std::exp(exponent) * a * s;
 }
 
 // I_x(a, b) by the continued fraction, for x below the mean-like point (a + 1)/(a + b + 2).
@@ -90,6 +141,7 @@ double fraction(double a, double b, double x, double y, bool& converged) {
       break;
     }
   }
+  if (std::min(a, b) <= kTiny) return power_terms_over_a_tiny(a, b, x, y) * static_cast<double>(h);
   return power_terms(a, b, x, y) * static_cast<double>(h / la);
 }
 
@@ -120,7 +172,10 @@ BetaInc beta_inc_pair(double a, double b, double x) {
   const double first = lower ? fraction(a, b, x, y, converged) : fraction(b, a, y, x, converged);
   if (!converged) return normal_approximation(a, b, x);
   double second = 1.0 - first;
-  if (first > 0.5) {
+  const double fast_a = lower ? a : b, fast_b = lower ? b : a, fast_x = lower ? x : y;
+  if (first > 0.5 && fast_a <= kTiny * std::max(fast_b, 1.0)) {
+    second = complement_tiny_a(fast_a, fast_b, fast_x);
+  } else if (first > 0.5) {
     bool other_converged = true;
     const double other = lower ? fraction(b, a, y, x, other_converged) : fraction(a, b, x, y, other_converged);
     if (other_converged) second = other;

@@ -54,6 +54,17 @@ def write(name, title, rows):
     print(f"{path.name}: {len(rows)} points")
 
 
+def stable(f):
+    """f() at the working precision doubled until two successive values agree to 40 digits."""
+    dps, prev = mp.mp.dps + 10, None
+    while True:
+        with mp.workdps(dps):
+            v = f()
+        if prev is not None and abs(v - prev) <= abs(v) * mp.mpf(10) ** -40:
+            return v
+        prev, dps = v, 2 * dps
+
+
 def one(region, xs, f):
     return [(region, (x,), (f(mp.mpf(x)),)) for x in xs]
 
@@ -152,15 +163,9 @@ def digamma_tables(rng):
             if x != round(x):
                 rows.append(("negative", (n, x), (mp.polygamma(n, mp.mpf(x)),)))
     def polygamma_ref(n, x):
-        """mpmath's polygamma, its working precision doubled until two values agree to 40 digits (its
-        reflection cancels for large negative x, as at n = 48, x = -47420.5)."""
-        dps, prev = 60, None
-        while True:
-            with mp.workdps(dps):
-                v = mp.polygamma(n, mp.mpf(x))
-            if prev is not None and abs(v - prev) <= abs(v) * mp.mpf(10) ** -40:
-                return v
-            prev, dps = v, 2 * dps
+        """mpmath's polygamma at a working precision that gives 40 stable digits (its reflection cancels for
+        large negative x, as at n = 48, x = -47420.5)."""
+        return stable(lambda: mp.polygamma(n, mp.mpf(x)))
 
     more = random.Random(SEED + 2)
     for _ in range(60):  # every order to 50; large x, where the result once underflowed early
@@ -386,6 +391,55 @@ def incomplete_beta_tables(rng):
     for _ in range(40):
         n = 10 ** rng.uniform(0, 3)
         add("student", n / 2, 0.5, rng.uniform(0.01, 1))
+    def betainc_checked(a, b, lo, hi):
+        """mpmath's betainc, its working precision doubled until two values agree to 40 digits (tiny
+        parameters cancel inside it)."""
+        return stable(lambda: mp.betainc(a, b, lo, hi, regularized=True))
+
+    def add_tiny(region, a, b, x):
+        a, b, x = d(a), d(b), d(x)
+        rows.append((region, (a, b, x), (betainc_checked(a, b, 0, x), betainc_checked(a, b, x, 1))))
+
+    def lower_series(a, b, x):
+        """I_x(a, b) = x^a y^b / (a B(a, b)) sum_n (a+b)_n / (a+1)_n x^n for x below the mean (positive terms)."""
+        a, b, x = mp.mpf(a), mp.mpf(b), mp.mpf(x)
+        term = total = mp.mpf(1)
+        n = 0
+        while term > total * mp.mpf(10) ** -55:
+            term *= x * (a + b + n) / (a + 1 + n)
+            total += term
+            n += 1
+        return mp.exp(a * mp.log(x) + b * mp.log(1 - x) - mp.log(a) - mp.log(mp.beta(a, b))) * total
+
+    def add_large(region, a, b, z):
+        """x at z standard deviations from the mean (|z| >= 0.3, so that the series stays short)."""
+        a, b = d(a), d(b)
+        m = mp.mpf(a) / (a + b)
+        x = d(m + z * mp.sqrt(m * (1 - m) / (a + b + 1)))
+        if not 0 < x < 1:
+            return
+        if x < m:
+            w = lower_series(a, b, x)
+            rows.append((region, (a, b, x), (w, 1 - w)))
+        else:
+            w1 = lower_series(b, a, 1 - mp.mpf(x))
+            rows.append((region, (a, b, x), (1 - w1, w1)))
+
+    more = random.Random(SEED + 4)
+    for _ in range(50):  # one parameter from 1e-300 to 1e-5, x anywhere and near the far end
+        x = more.uniform(0, 1) if more.random() < 0.5 else 1 - 10 ** -more.uniform(1, 14)
+        add_tiny("tiny_b", 10 ** more.uniform(-1, 3), 10 ** -more.uniform(5, 300), x)
+        add_tiny("tiny_a", 10 ** -more.uniform(5, 300), 10 ** more.uniform(-1, 3), 1 - x)
+        add_tiny("tiny_both", 10 ** -more.uniform(5, 300), 10 ** -more.uniform(5, 300), more.uniform(0, 1))
+    add_tiny("tiny_b", 6.746170069, 8.370917821e-292, 0.999999999781611)  # once -3.4e-14
+    add_tiny("tiny_both", 5e-324, 5e-324, 0.5)  # once inf, inf
+    for _ in range(40):  # large parameters: a << b, a >> b, a = b, away from the mean by 0.3 to 5 sd
+        z = more.choice([-1, 1]) * more.uniform(0.3, 5)
+        big, small = 10 ** more.uniform(3, 5), 10 ** more.uniform(2, 3)
+        add_large("large_skew", big, small, z) if more.random() < 0.5 else add_large("large_skew", small, big, z)
+        a = 10 ** more.uniform(2, 5)
+        add_large("large_equal", a, a, z)
+    rows.append(("large_equal", (1e300, 1e300, 0.5), (mp.mpf(0.5), mp.mpf(0.5))))  # by symmetry; once IFAIL 4
     write("beta_inc", "I_x(a, b) and 1 - I_x(a, b)", rows)
 
 
