@@ -25,6 +25,7 @@ namespace {
 
 constexpr double kEps = vek::constants::eps();
 constexpr double kTinyDenominator = 1e-300;
+constexpr long double kFractionTolerance = 4 * std::numeric_limits<long double>::epsilon();
 
 int iteration_limit(double a) { return static_cast<int>(std::min(1.0e7, 200.0 + 30.0 * std::sqrt(a))); }
 
@@ -93,7 +94,10 @@ Sum series_sum(double a, double x) {
   for (int n = 1; n <= limit; ++n) {
     term *= x / (static_cast<long double>(a) + n);
     sum += term;
-    if (!(term > kEps * sum)) return {sum, !std::isnan(sum)};
+    // The ratios x/(a + k) decrease, so the terms left sum to at most term r/(1 - r), r = x/(a + n + 1): for
+    // large a near x that is thousands of times the last term, and it, not the term, must fall below eps.
+    const long double r = x / (static_cast<long double>(a) + n + 1);
+    if (r < 1.0L && !(term * r > kEps / 4 * sum * (1.0L - r))) return {sum, !std::isnan(sum)};
   }
   return {sum, false};
 }
@@ -115,7 +119,9 @@ Sum fraction_sum(double a, double x) {
     d = 1.0L / d;
     const long double delta = d * c;
     h *= delta;
-    if (!(std::fabs(delta - 1.0L) > kEps)) return {h, !std::isnan(h)};
+    // Near x = a the fraction converges slowly (the remaining change is many times the last one): the test is
+    // made at the long double's precision.
+    if (!(std::fabs(delta - 1.0L) > kFractionTolerance)) return {h, !std::isnan(h)};
   }
   return {h, false};
 }
