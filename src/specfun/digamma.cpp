@@ -109,6 +109,14 @@ long double pi_cot_pi_derivative(int n, double x) {
 
 bool is_pole(double x) { return x <= 0.0 && x == std::floor(x); }
 
+// t^n for n >= 1 by binary powering (at most 2 log2(n) long double roundings, well below a double's).
+long double integer_power(long double t, int n) {
+  long double result = 1.0L;
+  for (; n > 0; n >>= 1, t *= t)
+    if (n & 1) result *= t;
+  return result;
+}
+
 // zeta(s, x) = m 2^scale.
 struct ScaledValue {
   long double m;
@@ -134,7 +142,7 @@ ScaledValue hurwitz_zeta(int s, long double x) {
                           -174611.0 / 330.0 / 2432902008176640000.0};
   const double start = 15.0 + s;
   long double sum = 0.0L, lx = x;
-  for (; lx < start; lx += 1.0L) sum += std::pow(lx, static_cast<long double>(-s));
+  for (; lx < start; lx += 1.0L) sum += 1.0L / integer_power(lx, s);
   const long double inv2 = 1.0L / (lx * lx);
   long double bracket = 0.0L;
   long double rising = s;     // s (s + 1) ... (s + 2j - 2)

@@ -9,8 +9,8 @@
 // the real axis Re w = exp(-x^2) comes from the residue alone; Im w is Rybicki's formula for Dawson's
 // integral). Elsewhere in the upper half-plane: Laplace's continued fraction
 //   w(z) = (i/sqrt(pi)) / (z - (1/2) / (z - 1 / (z - (3/2) / (z - ...)))), 20 levels (below 1e-21 there).
-// Lower half-plane: w(z) = 2 exp(-z^2) - w(-z), in long double where w(-z) comes from the trapezoidal rule
-// (|Im z| < 6, |Re z| < 27: the two terms cancel by up to a factor 20 near the zeros of Re w and Im w).
+// Lower half-plane: w(z) = 2 exp(-z^2) - w(-z), in long double where the two terms can cancel (|Re z| < 4,
+// Im z > -3: by up to a factor 20 near the zeros of Re w and Im w).
 #include <cmath>
 #include <complex>
 #include <limits>
@@ -26,6 +26,10 @@ constexpr double kNodeReach = 6.5;       // exp(-6.5^2) < 1e-18: nodes farther f
 constexpr double kFractionImag = 6.0;    // from here up the continued fraction converges in 20 levels
 constexpr double kFractionReal = 27.0;   // and from here out, at any height
 constexpr int kFractionLevels = 20;
+// Below the axis, 2 exp(-z^2) and w(-z) cancel by more than a factor 2 only inside |Re z| < 4, Im z > -3 (beyond,
+// one of them dominates); there the long double evaluation, some eight times slower, is used.
+constexpr double kCancellationReal = 4.0;
+constexpr double kCancellationImag = 3.0;
 
 // exp(-(u^2)) with u^2 split exactly, so its rounding does not enter.
 double exp_minus_square(double u) {
@@ -114,7 +118,7 @@ std::complex<double> faddeeva(std::complex<double> z) {
   const double x = z.real(), y = z.imag();
   if (std::isnan(x) || std::isnan(y)) return {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::quiet_NaN()};
   if (y >= 0.0) return upper_half(z);
-  if (in_trapezoid_region(-z)) {
+  if (std::fabs(x) < kCancellationReal && y > -kCancellationImag) {
     const long double lx = x, ly = y;
     const std::complex<long double> w = 2.0L * exp_minus_z_squared(lx, ly) - trapezoid(-lx, -ly);
     return {static_cast<double>(w.real()), static_cast<double>(w.imag())};
