@@ -62,7 +62,7 @@ double binomial(int64_t n, int64_t k);
 // Digamma psi(x) = Gamma'(x)/Gamma(x); poles give NaN; +inf -> +inf, -inf and NaN -> NaN.
 double digamma(double x);
 // Polygamma psi^(n)(x) for n >= 0 (n = 0 is digamma); poles, n < 0 and, for n >= 1, x < kPolygammaMinArg
-// give NaN (the cost grows with -x there); +inf -> 0 for n >= 1.
+// give NaN (the limit s14aef documents); +inf -> 0 for n >= 1.
 inline constexpr double kPolygammaMinArg = -1.0e5;
 double polygamma(int n, double x);
 

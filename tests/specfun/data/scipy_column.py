@@ -15,6 +15,7 @@ import mpmath as mp
 import numpy as np
 from scipy import special
 
+mp.mp.dps = 50
 HERE = Path(__file__).resolve().parent
 
 
