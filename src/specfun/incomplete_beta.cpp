@@ -44,8 +44,9 @@ long double log_inverse_beta_mixed(double a, double b) {
   return shift - std::log(static_cast<long double>(gamma(b)));
 }
 
-// x^a y^b / B(a, b), where x + y = 1 and the one of x, y not above 1/2 is exact (the other may be rounded). Exponents are formed and
-// exponentiated in long double, so their rounding (|exponent| ulps in double) stays below one final rounding.
+// x^a y^b / B(a, b), where x + y = 1 and the one of x, y not above 1/2 is exact (the other may be rounded).
+// Exponents are formed and exponentiated in long double, so their rounding (|exponent| ulps in double) stays
+// below one final rounding.
 double power_terms(double a, double b, double x, double y) {
   const long double la = a, lb = b, lx = x, ly = y;
   if (a >= 10.0 && b >= 10.0) {
@@ -101,7 +102,8 @@ double power_terms_over_a_tiny(double a, double b, double x, double y) {
   const long double la = a, lb = b;
   const long double log_x = x <= 0.5 ? std::log(static_cast<long double>(x)) : std::log1p(-static_cast<long double>(y));
   const long double log_y = y <= 0.5 ? std::log(static_cast<long double>(y)) : std::log1p(-static_cast<long double>(x));
-  const long double log_ratio = std::log(static_cast<long double>(f.ratio)) + (a_tiny ? 0.0L : std::log(lb) - std::log(la));
+  const long double log_ratio =
+      std::log(static_cast<long double>(f.ratio)) + (a_tiny ? 0.0L : std::log(lb) - std::log(la));
   return static_cast<double>(std::exp(la * log_x + lb * log_y + f.g + log_ratio));
 }
 
