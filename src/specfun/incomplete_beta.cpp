@@ -7,6 +7,9 @@
 // The power term x^a y^b / B(a, b) is, for a, b >= 10, sqrt(ab / 2pi c) exp(-a D(u) - b D(v) + stirling
 // terms) with c = a + b, u = (x c - a)/a, v = -a u / b, D(u) = u - ln(1 + u) (the form in which the large
 // logarithms cancel analytically); otherwise x^a y^b / B(a, b) by pow, or by logarithms where it would underflow.
+// Everything that depends on x is formed from the exact one of x and y = 1 - x (the one not above 1/2). A
+// parameter below kTiny takes the small-parameter forms (DiDonato and Morris): 1/(a B) without forming B, and
+// the complement near 1 by the power series with expm1.
 #include <algorithm>
 #include <cmath>
 #include <limits>
