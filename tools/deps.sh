@@ -6,6 +6,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev libgsl-dev
   libopenblas64-openmp-dev libblas64-test liblapack64-test liblapacke-dev liblapack64-3
   libgsl-dev
+  libboost-dev
 )
 missing=()
 for p in "${packages[@]}"; do

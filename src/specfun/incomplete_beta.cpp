@@ -7,6 +7,9 @@
 // The power term x^a y^b / B(a, b) is, for a, b >= 10, sqrt(ab / 2pi c) exp(-a D(u) - b D(v) + stirling
 // terms) with c = a + b, u = (x c - a)/a, v = -a u / b, D(u) = u - ln(1 + u) (the form in which the large
 // logarithms cancel analytically); otherwise x^a y^b / B(a, b) by pow, or by logarithms where it would underflow.
+// Everything that depends on x is formed from the exact one of x and y = 1 - x (the one not above 1/2). A
+// parameter below kTiny takes the small-parameter forms (DiDonato and Morris): 1/(a B) without forming B, and
+// the complement near 1 by the power series with expm1.
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -21,23 +24,40 @@ namespace {
 
 constexpr double kEps = vek::constants::eps();
 constexpr double kTinyDenominator = 1e-300;
+// Parameters at most this (relative to the other, when that exceeds 1) take the tiny-parameter forms.
+constexpr double kTiny = 1e-5;
 
-// -a D(u), D(u) = u - ln(1 + u), where 1 + u = ratio and a u = a_u: the series where it has no cancellation,
-// else ln(ratio) straight from the arguments (u is useless once 1 + u has lost its digits near u = -1).
-long double scaled_log_term(long double a, long double u, long double ratio, long double a_u) {
+// -a D(u), D(u) = u - ln(1 + u), where a u = a_u and 1 + u = ratio = t c / a for the variable t (x or y) of this
+// term: the series where it has no cancellation; else, when t <= 1/2 (then t is exact, while the other of x, y
+// may carry the rounding of 1 - t), ln(ratio) straight from t (u is useless once 1 + u has lost its digits near
+// u = -1); otherwise log1p(u), u >= -1/2 there.
+long double scaled_log_term(long double a, long double u, long double t, long double c, long double a_u) {
   const long double v = u / (2.0L + u);
-  return std::fabs(v) <= 0.55L ? -a * log1pmx_neg(u) : a * std::log(ratio) - a_u;
+  if (std::fabs(v) <= 0.55L) return -a * log1pmx_neg(u);
+  return a * (t <= 0.5L ? std::log(t * (c / a)) : std::log1p(u)) - a_u;
 }
 
-// x^a y^b / B(a, b), where x + y = 1 and each of x, y below 1/2 is exact. Exponents are formed and
-// exponentiated in long double, so their rounding (|exponent| ulps in double) stays below one final rounding.
+// -ln B(a, b) = [ln Gamma(a + b) - ln Gamma(a)] - ln Gamma(b) for a >= 10 > b, in long double: the bracket by
+// Stirling's series, (a - 1/2) ln(1 + b/a) + b ln(a + b) - b + stirling(a + b) - stirling(a), so that the large
+// ln Gamma(a) never appears (formed in double, its rounding cost tens of ulps).
+long double log_inverse_beta_mixed(double a, double b) {
+  const long double la = a, lb = b;
+  const long double shift = (la - 0.5L) * std::log1p(lb / la) + lb * std::log(la + lb) - lb +
+                            (stirling_remainder(a + b) - stirling_remainder(a));
+  return shift - std::log(static_cast<long double>(gamma(b)));
+}
+
+// x^a y^b / B(a, b), where x + y = 1 and the one of x, y not above 1/2 is exact (the other may be rounded).
+// Exponents are formed and exponentiated in long double, so their rounding (|exponent| ulps in double) stays
+// below one final rounding.
 double power_terms(double a, double b, double x, double y) {
   const long double la = a, lb = b, lx = x, ly = y;
   if (a >= 10.0 && b >= 10.0) {
     const long double c = la + lb;
-    const long double diff = lx * lb - ly * la;  // x c - a = -(y c - b)
-    const long double exponent = scaled_log_term(la, diff / la, lx * (c / la), diff) +
-                                 scaled_log_term(lb, -diff / lb, ly * (c / lb), -diff) +
+    // x c - a = x b - y a = -(y c - b), from the exact one of x, y.
+    const long double diff = x <= 0.5 ? lx * c - la : lb - ly * c;
+    const long double exponent = scaled_log_term(la, diff / la, lx, c, diff) +
+                                 scaled_log_term(lb, -diff / lb, ly, c, -diff) +
                                  stirling_remainder(a + b) - stirling_remainder(a) - stirling_remainder(b);
     return static_cast<double>(std::sqrt(la / (2.0L * std::numbers::pi_v<long double>) * (lb / c)) *
                                std::exp(exponent));
@@ -48,9 +68,62 @@ double power_terms(double a, double b, double x, double y) {
   const long double log_y = y <= 0.5 ? std::log(ly) : std::log1p(-lx);
   const double xa = x <= 0.5 ? std::pow(x, a) : static_cast<double>(std::exp(la * log_x));
   const double yb = y <= 0.5 ? std::pow(y, b) : static_cast<double>(std::exp(lb * log_y));
-  const double direct = xa * yb / (a < 10.0 && b < 10.0 ? beta(a, b) : std::exp(lbeta(a, b)));
+  const long double log_inverse_beta = a < 10.0 && b < 10.0 ? -std::log(static_cast<long double>(beta(a, b)))
+                                      : a >= 10.0 ? log_inverse_beta_mixed(a, b)
+                                                  : log_inverse_beta_mixed(b, a);
+  const long double direct = static_cast<long double>(xa) * yb * std::exp(log_inverse_beta);
+  if (direct > 0x1p-1000L && direct < 0x1p1000L) return static_cast<double>(direct);
+  return static_cast<double>(std::exp(la * log_x + lb * log_y + log_inverse_beta));
+}
+
+// 1/(a B(a, b)) = Gamma(a + b)/(Gamma(1 + a) Gamma(b)) = ratio e^g for a <= kTiny max(b, 1), with g small: from
+// b >= 1, ratio = 1 and g = [ln Gamma(b + a) - ln Gamma(b)] - ln Gamma(1 + a); below 1, through Gamma(b + a)/Gamma(b)
+// = (b/(b + a)) Gamma(1 + b + a)/Gamma(1 + b), ratio = b/(a + b) (kept apart: its logarithm reaches -744 for
+// subnormal a, and rounded it would cost hundreds of ulps). The shifted ln Gamma by Taylor's series in a, four
+// terms, each about a / max(b, 1) times the one before.
+struct InverseABeta {
+  double ratio;
+  double g;
+};
+InverseABeta inverse_a_beta(double a, double b) {
+  const double at = b >= 1.0 ? b : 1.0 + b;
+  double sum = 0.0, power = 1.0;
+  for (int k = 1; k <= 4; ++k) {
+    power *= a / k;
+    sum += power * polygamma(k - 1, at);
+  }
+  return {b >= 1.0 ? 1.0 : b / (a + b), sum - lgamma1p(a)};
+}
+
+// x^a y^b / (a B(a, b)) when a or b is below kTiny (relative to the other when that exceeds 1), from
+// 1/(a B(a, b)) above or (b/a) / (b B(b, a)); B, which overflows for subnormal parameters, is never formed.
+double power_terms_over_a_tiny(double a, double b, double x, double y) {
+  const bool a_tiny = a <= kTiny * std::max(b, 1.0);
+  const InverseABeta f = a_tiny ? inverse_a_beta(a, b) : inverse_a_beta(b, a);
+  const double direct = std::pow(x, a) * std::pow(y, b) * (f.ratio * std::exp(f.g)) * (a_tiny ? 1.0 : b / a);
   if (direct > 0x1p-1000 && direct < HUGE_VAL) return direct;
-  return static_cast<double>(std::exp(la * log_x + lb * log_y - lbeta(a, b)));
+  const long double la = a, lb = b;
+  const long double log_x = x <= 0.5 ? std::log(static_cast<long double>(x)) : std::log1p(-static_cast<long double>(y));
+  const long double log_y = y <= 0.5 ? std::log(static_cast<long double>(y)) : std::log1p(-static_cast<long double>(x));
+  const long double log_ratio =
+      std::log(static_cast<long double>(f.ratio)) + (a_tiny ? 0.0L : std::log(lb) - std::log(la));
+  return static_cast<double>(std::exp(la * log_x + lb * log_y + f.g + log_ratio));
+}
+
+// 1 - I_x(a, b) for a below kTiny where I_x(a, b) is near 1 (x < (a + 1)/(a + b + 2)), from the power series
+// I_x(a, b) = x^a e^G (1 + a S), e^G = 1/(a B(a, b)), S = sum_{n>=1} (1-b)_n x^n / (n! (a + n)) (DiDonato and
+// Morris's BPSER): 1 - I_x = -expm1(a ln x + G) - e^(a ln x + G) a S, both parts without cancellation.
+double complement_tiny_a(double a, double b, double x) {
+  double s = 0.0, term = 1.0;
+  for (int n = 1; n < 2000; ++n) {
+    term *= (n - b) / n * x;
+    const double add = term / (a + n);
+    s += add;
+    if (std::fabs(add) <= kEps * std::fabs(s)) break;
+  }
+  const InverseABeta f = inverse_a_beta(a, b);
+  const double exponent = a * std::log(x) + f.g - (b >= 1.0 ? 0.0 : std::log1p(a / b));
+  return -std::expm1(exponent) - std::exp(exponent) * a * s;
 }
 
 // I_x(a, b) by the continued fraction, for x below the mean-like point (a + 1)/(a + b + 2).
@@ -60,9 +133,11 @@ double fraction(double a, double b, double x, double y, bool& converged) {
   const int limit = static_cast<int>(std::min(1.0e6, 200.0 + 30.0 * std::sqrt(std::max(a, b))));
   // The recurrences run in long double: near the mean their terms cancel, and the extra 11 bits keep that
   // cancellation below the final rounding.
-  const long double la = a, lb = b, lx = x, ab = la + lb;
+  // x from the exact one of x, y (1 - y is exact in long double for y >= 2^-11).
+  const long double la = a, lb = b, lx = x <= 0.5 ? x : 1.0L - y, ab = la + lb;
   long double c = 1.0L;
-  long double d = (la * y + 1.0L - lb * lx) / (la + 1.0L);  // 1 - (a + b) x / (a + 1) without its cancellation
+  // 1 - (a + b) x / (a + 1) without its cancellation, from the exact one of x, y.
+  long double d = (x <= 0.5 ? la + 1.0L - ab * lx : la * y + 1.0L - lb * lx) / (la + 1.0L);
   if (std::fabs(d) < kTinyDenominator) d = kTinyDenominator;
   d = 1.0L / d;
   long double h = d;
@@ -90,6 +165,7 @@ double fraction(double a, double b, double x, double y, bool& converged) {
       break;
     }
   }
+  if (std::min(a, b) <= kTiny) return power_terms_over_a_tiny(a, b, x, y) * static_cast<double>(h);
   return power_terms(a, b, x, y) * static_cast<double>(h / la);
 }
 
@@ -112,6 +188,7 @@ BetaInc beta_inc_pair(double a, double b, double x) {
     if (std::isinf(a) && std::isinf(b)) return {nan, nan, true};
     return std::isinf(a) ? BetaInc{0.0, 1.0, true} : BetaInc{1.0, 0.0, true};
   }
+  if (a == b && x == 0.5) return {0.5, 0.5, true};  // by symmetry, however large a is
   const double y = 1.0 - x;
   // The fraction is evaluated on the side where it converges fast; when that side is the larger value (as
   // can happen for small a, b), the other side is evaluated as well.
@@ -120,7 +197,10 @@ BetaInc beta_inc_pair(double a, double b, double x) {
   const double first = lower ? fraction(a, b, x, y, converged) : fraction(b, a, y, x, converged);
   if (!converged) return normal_approximation(a, b, x);
   double second = 1.0 - first;
-  if (first > 0.5) {
+  const double fast_a = lower ? a : b, fast_b = lower ? b : a, fast_x = lower ? x : y;
+  if (first > 0.5 && fast_a <= kTiny * std::max(fast_b, 1.0)) {
+    second = complement_tiny_a(fast_a, fast_b, fast_x);
+  } else if (first > 0.5) {
     bool other_converged = true;
     const double other = lower ? fraction(b, a, y, x, other_converged) : fraction(a, b, x, y, other_converged);
     if (other_converged) second = other;

@@ -62,7 +62,7 @@ double binomial(int64_t n, int64_t k);
 // Digamma psi(x) = Gamma'(x)/Gamma(x); poles give NaN; +inf -> +inf, -inf and NaN -> NaN.
 double digamma(double x);
 // Polygamma psi^(n)(x) for n >= 0 (n = 0 is digamma); poles, n < 0 and, for n >= 1, x < kPolygammaMinArg
-// give NaN (the cost grows with -x there); +inf -> 0 for n >= 1.
+// give NaN (the limit s14aef documents); +inf -> 0 for n >= 1.
 inline constexpr double kPolygammaMinArg = -1.0e5;
 double polygamma(int n, double x);
 
@@ -80,6 +80,14 @@ double gamma_p(double a, double x);
 double gamma_q(double a, double x);
 // dP/dx = x^(a-1) e^-x / Gamma(a), the gamma density, for a > 0, x > 0 (NaN outside).
 double gamma_p_derivative(double a, double x);
+// ln T and d ln T / dx for the tail T = P(a, x) (lower) or Q(a, x), a > 0, 0 < x < inf: finite however far T
+// lies below the underflow threshold, for the inverse's Newton iteration.
+struct GammaTailLog {
+  long double log_tail;
+  double slope;
+  bool converged;
+};
+GammaTailLog gamma_tail_log(double a, double x, bool lower);
 // The x >= 0 with P(a, x) = p and Q(a, x) = q: the smaller of p and q is matched, so a tail probability keeps
 // its relative accuracy. p + q should be 1; q = 0 or a = +inf gives +inf, p = 0 gives 0. a <= 0, p or q
 // outside [0, 1], or NaN give NaN.

@@ -150,4 +150,38 @@ TEST_P(Accuracy, WithinRecordedBoundInEveryRegion) {
 INSTANTIATE_TEST_SUITE_P(Tables, Accuracy, ::testing::ValuesIn(cases()),
                          [](const auto& info) { return info.param.table; });
 
+// Points once reported as failing (wrong leading digit, a negative probability, infinities, IFAIL 4, early
+// underflow), each held to its function's target against its row in the tables.
+TEST(Accuracy, ReportedFailuresStayFixed) {
+  struct Pinned {
+    std::string table;
+    size_t nargs;
+    Args args;
+    size_t column;  // which output of the case
+    double target;  // ulps
+  };
+  const std::vector<Pinned> pinned = {
+      {"gamma_pq_inv", 3, {1.16175842169, 1.0, 1.20692945046e-262}, 0, 30},  // once 1815.77 (true 604.199)
+      {"gamma_pq_inv", 3, {3498.89534609, 7.0996692623e-218, 1.0}, 0, 30},   // once 1117.36 (true 1951.01)
+      {"beta_inc", 3, {6.746170069, 8.370917821e-292, 0.999999999781611}, 0, 100},  // once -3.4e-14
+      {"beta_inc", 3, {5e-324, 5e-324, 0.5}, 0, 100},                                // once inf
+      {"beta_inc", 3, {5e-324, 5e-324, 0.5}, 1, 100},
+      {"beta_inc", 3, {1e300, 1e300, 0.5}, 0, 100},  // once IFAIL 4
+      {"gamma_pq", 2, {9999743624.91, 9999574778.44745}, 0, 100},  // once 6600 ulp
+      {"gamma_pq", 2, {9999743624.91, 9999574778.44745}, 1, 100},
+      {"polygamma", 2, {1.0, 4.2e218}, 0, 10},       // once 0
+      {"polygamma", 2, {48.0, -47420.5}, 0, 10},     // once -2.9e52 (true -9.2e-166)
+  };
+  for (const Pinned& p : pinned) {
+    const auto c = std::find_if(cases().begin(), cases().end(), [&](const Case& k) { return k.table == p.table; });
+    ASSERT_NE(c, cases().end());
+    const std::vector<vek::testing::TableRow> rows = vek::testing::read_table(p.table, p.nargs);
+    const auto row = std::find_if(rows.begin(), rows.end(), [&](const auto& r) { return r.args == p.args; });
+    ASSERT_NE(row, rows.end()) << p.table << " has no row at (" << text(p.args) << ")";
+    const double value = c->outputs[p.column].vek(p.args);
+    EXPECT_LE(vek::testing::ulp_error(value, row->refs[p.column]), p.target)
+        << p.table << " (" << text(p.args) << "): " << value << " for " << static_cast<double>(row->refs[p.column]);
+  }
+}
+
 }  // namespace

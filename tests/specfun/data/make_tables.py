@@ -19,6 +19,7 @@ import mpmath as mp
 
 mp.mp.dps = 50
 HERE = Path(__file__).resolve().parent
+SEED = 20261122
 
 
 def d(x):
@@ -51,6 +52,17 @@ def write(name, title, rows):
         for region, args, refs in rows:
             f.write(" ".join([region] + [fmt_arg(a) for a in args] + [fmt_ref(r) for r in refs]) + "\n")
     print(f"{path.name}: {len(rows)} points")
+
+
+def stable(f):
+    """f() at the working precision doubled until two successive values agree to 40 digits."""
+    dps, prev = mp.mp.dps + 10, None
+    while True:
+        with mp.workdps(dps):
+            v = f()
+        if prev is not None and abs(v - prev) <= abs(v) * mp.mpf(10) ** -40:
+            return v
+        prev, dps = v, 2 * dps
 
 
 def one(region, xs, f):
@@ -150,6 +162,29 @@ def digamma_tables(rng):
         for x in uniform(rng, -20.0, 0.0, 10):
             if x != round(x):
                 rows.append(("negative", (n, x), (mp.polygamma(n, mp.mpf(x)),)))
+    def polygamma_ref(n, x):
+        """mpmath's polygamma at a working precision that gives 40 stable digits (its reflection cancels for
+        large negative x, as at n = 48, x = -47420.5)."""
+        return stable(lambda: mp.polygamma(n, mp.mpf(x)))
+
+    more = random.Random(SEED + 2)
+    for _ in range(60):  # every order to 50; large x, where the result once underflowed early
+        n = more.randint(1, 50)
+        x = d(10 ** more.uniform(3, 300))
+        rows.append(("large", (n, x), (polygamma_ref(n, x),)))
+    for _ in range(60):
+        n = more.randint(31, 50)
+        x = d(10 ** more.uniform(-2, 3))
+        rows.append(("high_order", (n, x), (polygamma_ref(n, x),)))
+    for _ in range(80):  # reflection, down to -1e5, a quarter of the points half-integers
+        n = more.randint(1, 50)
+        x = d(-10 ** more.uniform(0, 5))
+        if more.random() < 0.25:
+            x = d(mp.floor(x) + 0.5)
+        if x != round(x):
+            rows.append(("far_negative", (n, x), (polygamma_ref(n, x),)))
+    rows.append(("far_negative", (48, -47420.5), (polygamma_ref(48, -47420.5),)))  # once -2.9e52
+    rows.append(("large", (1, 4.2e218), (polygamma_ref(1, 4.2e218),)))  # once 0
     write("polygamma", "psi^(n)(x)", rows)
 
 
@@ -188,6 +223,28 @@ def incomplete_gamma_tables(rng):
     sample(rng, add, "moderate", 150, (-2, 1), lambda a: a * 10 ** rng.uniform(-2, 1))
     sample(rng, add, "large", 150, (1, 4), lambda a: a * (1 + rng.uniform(-1, 1) * min(4 / mp.sqrt(a), 0.9)))
     sample(rng, add, "tails", 60, (1, 3), lambda a: a * 10 ** rng.uniform(-1, 0.6))
+    def tails_by_quadrature(a, x):
+        """P and Q for large a by integrating the density over the nearer tail (Gauss-Legendre on pieces one
+        standard deviation wide, out to 40 deviations), the other as the complement: independent of the
+        series, which needs millions of terms at a = 1e10."""
+        with mp.workdps(90):
+            a, x = mp.mpf(a), mp.mpf(x)
+            sd = mp.sqrt(a)
+            log_norm = mp.loggamma(a)
+            f = lambda t: mp.exp((a - 1) * mp.log(t) - t - log_norm)
+            if x < a:
+                lo = max(x - 40 * sd, mp.mpf(0))
+                tail = mp.quad(f, mp.linspace(lo, x, 41), method="gauss-legendre")
+                return tail, 1 - tail
+            tail = mp.quad(f, mp.linspace(x, x + 40 * sd, 41), method="gauss-legendre")
+            return 1 - tail, tail
+
+    more = random.Random(SEED + 5)
+    for _ in range(40):  # a from 1e4 to 1e10, x within 6 standard deviations of a
+        a = d(10 ** more.uniform(4, 10))
+        x = d(a + more.uniform(-6, 6) * mp.sqrt(a))
+        rows.append(("huge_a", (a, x), tails_by_quadrature(a, x)))
+    rows.append(("huge_a", (9999743624.91, 9999574778.44745), tails_by_quadrature(9999743624.91, 9999574778.44745)))
     write("gamma_pq", "P(a, x) and Q(a, x)", rows)
 
 
@@ -210,6 +267,38 @@ def inverse_gamma_tables(rng):
     sample(rng, add, "small_a", 80, (-3, 0), lambda a: a * 10 ** rng.uniform(-2, 1.3))
     sample(rng, add, "central", 80, (0, 3), lambda a: a * (1 + rng.uniform(-1, 1) * min(3 / mp.sqrt(a), 0.9)))
     sample(rng, add, "tails", 60, (0, 3), lambda a: a * 10 ** rng.uniform(-1.5, 0.5))
+
+    def add_far(region, a, t, lower):
+        """The x whose lower (or upper) tail is the double t: Newton's iteration on ln T - ln t, kept inside a
+        shrinking bracket (bisection in ln x where a step would leave it)."""
+        a, t = d(a), d(t)
+        tail = (lambda x: gamma_p_series(a, x)) if lower else (lambda x: mp.gammainc(a, x, mp.inf, regularized=True))
+        sign = 1 if lower else -1
+        lo, hi = (mp.mpf(10) ** -320, mp.mpf(a) + 1) if lower else (mp.mpf(a), -2 * mp.log(t) + 10 * mp.mpf(a) + 100)
+        x = mp.sqrt(lo * hi)
+        for _ in range(500):
+            tx = tail(x)
+            f = mp.log(tx) - mp.log(t)
+            if sign * f > 0:
+                hi = x
+            else:
+                lo = x
+            density = mp.exp((a - 1) * mp.log(x) - x - mp.loggamma(a))
+            step = f / (sign * density / tx)
+            nxt = x - step
+            if not lo < nxt < hi:
+                nxt = mp.sqrt(lo * hi)
+            if abs(nxt - x) < abs(x) * mp.mpf(10) ** -45:
+                break
+            x = nxt
+        rows.append((region, (a, t, 1.0) if lower else (a, 1.0, t), (nxt,)))
+
+    far = random.Random(SEED + 1)  # regions added later draw from their own streams, leaving the others' points
+    for _ in range(40):  # both far tails, t from 1e-300 to 1e-200
+        add_far("far_lower", 10 ** far.uniform(0, 4), 10 ** -far.uniform(200, 300), True)
+        add_far("far_upper", 10 ** far.uniform(-3, 4), 10 ** -far.uniform(200, 300), False)
+    add_far("far_upper", 1.16175842169, 1.20692945046e-262, False)  # once 1815.77 (true 604.199)
+    add_far("far_lower", 3498.89534609, 7.0996692623e-218, True)  # once 1117.36 (true 1951.01)
     write("gamma_pq_inv", "x with P(a, x) = p, Q(a, x) = q", rows)
 
 
@@ -265,6 +354,24 @@ def faddeeva_tables(rng):
         add("large", rng.choice([-1, 1]) * 10 ** rng.uniform(0, 6), 10 ** rng.uniform(0.78, 6))
     for _ in range(40):
         add("lower", rng.uniform(-2, 2), -rng.uniform(0, 1))
+    def add_checked(region, x, y):
+        """As add, the value confirmed at twice the working precision (exp(-z^2) and erfc(-iz) are huge and
+        tiny together far from the origin)."""
+        x, y = d(x), d(y)
+        with mp.workdps(2 * mp.mp.dps):
+            twice = faddeeva(mp.mpc(x, y))
+        v = faddeeva(mp.mpc(x, y))
+        assert abs(v - twice) <= abs(twice) * mp.mpf(10) ** -40
+        rows.append((region, (x, y), (twice.real, twice.imag)))
+
+    more = random.Random(SEED + 3)
+    for _ in range(60):  # on the axis, Re w = exp(-x^2) down to the underflow threshold
+        add_checked("axis", more.uniform(-26.5, 26.5), 0.0)
+    for _ in range(60):
+        add_checked("near_axis_far", more.choice([-1, 1]) * more.uniform(5, 26.5), 10 ** more.uniform(-12, -1))
+    for _ in range(80):  # lower half-plane to |z| = 1e3, |w| up to about 1e300
+        x = more.choice([-1, 1]) * 10 ** more.uniform(-1, 3)
+        add_checked("lower_far", x, -more.uniform(0, float(mp.sqrt(x * x + 690))))
     write("faddeeva", "Re and Im of w(x + iy)", rows)
 
 
@@ -306,6 +413,76 @@ def incomplete_beta_tables(rng):
     for _ in range(40):
         n = 10 ** rng.uniform(0, 3)
         add("student", n / 2, 0.5, rng.uniform(0.01, 1))
+    def betainc_checked(a, b, lo, hi):
+        """mpmath's betainc, its working precision doubled until two values agree to 40 digits (tiny
+        parameters cancel inside it)."""
+        return stable(lambda: mp.betainc(a, b, lo, hi, regularized=True))
+
+    def add_tiny(region, a, b, x):
+        a, b, x = d(a), d(b), d(x)
+        rows.append((region, (a, b, x), (betainc_checked(a, b, 0, x), betainc_checked(a, b, x, 1))))
+
+    def lower_series(a, b, x):
+        """I_x(a, b) = x^a y^b / (a B(a, b)) sum_n (a+b)_n / (a+1)_n x^n for x below the mean (positive terms)."""
+        a, b, x = mp.mpf(a), mp.mpf(b), mp.mpf(x)
+        term = total = mp.mpf(1)
+        n = 0
+        while term > total * mp.mpf(10) ** -55:
+            term *= x * (a + b + n) / (a + 1 + n)
+            total += term
+            n += 1
+        return mp.exp(a * mp.log(x) + b * mp.log(1 - x) - mp.log(a) - mp.log(mp.beta(a, b))) * total
+
+    def add_large(region, a, b, z):
+        """x at z standard deviations from the mean (|z| >= 0.3, so that the series stays short)."""
+        a, b = d(a), d(b)
+        m = mp.mpf(a) / (a + b)
+        x = d(m + z * mp.sqrt(m * (1 - m) / (a + b + 1)))
+        if not 0 < x < 1:
+            return
+        if x < m:
+            w = lower_series(a, b, x)
+            rows.append((region, (a, b, x), (w, 1 - w)))
+        else:
+            w1 = lower_series(b, a, 1 - mp.mpf(x))
+            rows.append((region, (a, b, x), (1 - w1, w1)))
+
+    more = random.Random(SEED + 4)
+    for _ in range(50):  # one parameter from 1e-300 to 1e-5, x anywhere and near the far end
+        x = more.uniform(0, 1) if more.random() < 0.5 else 1 - 10 ** -more.uniform(1, 14)
+        add_tiny("tiny_b", 10 ** more.uniform(-1, 3), 10 ** -more.uniform(5, 300), x)
+        add_tiny("tiny_a", 10 ** -more.uniform(5, 300), 10 ** more.uniform(-1, 3), 1 - x)
+        add_tiny("tiny_both", 10 ** -more.uniform(5, 300), 10 ** -more.uniform(5, 300), more.uniform(0, 1))
+    add_tiny("tiny_b", 6.746170069, 8.370917821e-292, 0.999999999781611)  # once -3.4e-14
+    add_tiny("tiny_both", 5e-324, 5e-324, 0.5)  # once inf, inf
+    for _ in range(40):  # large parameters: a << b, a >> b, a = b, away from the mean by 0.3 to 5 sd
+        z = more.choice([-1, 1]) * more.uniform(0.3, 5)
+        big, small = 10 ** more.uniform(3, 5), 10 ** more.uniform(2, 3)
+        add_large("large_skew", big, small, z) if more.random() < 0.5 else add_large("large_skew", small, big, z)
+        a = 10 ** more.uniform(2, 5)
+        add_large("large_equal", a, a, z)
+    rows.append(("large_equal", (1e300, 1e300, 0.5), (mp.mpf(0.5), mp.mpf(0.5))))  # by symmetry; once IFAIL 4
+
+    def tails_by_quadrature(a, b, x):
+        """I_x and 1 - I_x for large a, b: the density integrated over the nearer tail (Gauss-Legendre on pieces
+        one standard deviation wide, out to 40), the other as the complement (the series needs 1e7 terms)."""
+        with mp.workdps(90):
+            a, b, x = mp.mpf(a), mp.mpf(b), mp.mpf(x)
+            m = a / (a + b)
+            sd = mp.sqrt(m * (1 - m) / (a + b + 1))
+            log_norm = mp.log(mp.beta(a, b))
+            f = lambda t: mp.exp((a - 1) * mp.log(t) + (b - 1) * mp.log(1 - t) - log_norm)
+            if x < m:
+                tail = mp.quad(f, mp.linspace(max(x - 40 * sd, mp.mpf(0)), x, 41), method="gauss-legendre")
+                return tail, 1 - tail
+            tail = mp.quad(f, mp.linspace(x, min(x + 40 * sd, mp.mpf(1)), 41), method="gauss-legendre")
+            return 1 - tail, tail
+
+    for _ in range(40):  # a, b from 1e5 to 1e10, within 5 standard deviations of the mean
+        a, b = d(10 ** more.uniform(5, 10)), d(10 ** more.uniform(5, 10))
+        m = mp.mpf(a) / (a + b)
+        x = d(m + more.uniform(-5, 5) * mp.sqrt(m * (1 - m) / (a + b + 1)))
+        rows.append(("huge", (a, b, x), tails_by_quadrature(a, b, x)))
     write("beta_inc", "I_x(a, b) and 1 - I_x(a, b)", rows)
 
 
@@ -321,7 +498,7 @@ def main():
     if "--coefficients" in sys.argv:
         coefficients()
         return
-    rng = random.Random(20261122)
+    rng = random.Random(SEED)
     erf_tables(rng)
     dawson_tables(rng)
     inverse_tables(rng)
