@@ -14,8 +14,12 @@ extern "C" {
  *   out   Y          real[max(N,1)]
  *   in    W          real[*]
  *   inout C          char
+ *   in    INC        int
+ *   in    LD         int
+ *   in    V          real[1 + (N-1)*abs(INC)]
+ *   in    B          real[C in {'N'} ? LD*N : LD*N*N]
  */
-VEK_API void t01aaf_(const int64_t* n, const double* x, double* y, const double* w, char* c, int64_t c_len);
+VEK_API void t01aaf_(const int64_t* n, const double* x, double* y, const double* w, char* c, const int64_t* inc, const int64_t* ld, const double* v, const double* b, int64_t c_len);
 /* T01BAF: An IFAIL routine: a group, checks of every form and values of every kind.
  *   in    N          int
  *   in    LDA        int
