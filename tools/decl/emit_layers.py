@@ -184,6 +184,40 @@ def emit_flag_worker(r: Routine) -> list[str]:
     return checked + [f"{r.ret_type()} {r.name}n_({', '.join(r.worker_params())}) {{", *body, "}"]
 
 
+def emit_forwarding_worker(r: Routine) -> list[str]:
+    """The worker that passes its arguments to a dependency routine. A user function reaches the dependency
+    as a trampoline of the published signature that calls it through the adapter the worker was given; the
+    pair is held per thread for the length of the call (and restored after, for a selector that itself calls
+    the routine)."""
+    worker = f"{r.name}n_" if r.kind == "routine" else f"{r.name}_"
+    head = f"{r.ret_type()} {worker}({', '.join(r.worker_params())})"
+    callbacks = [a for a in r.args if a.callback]
+    if not callbacks:
+        return [f"{head} {{ return {r.forwards}_({r.worker_call()}); }}"]
+    out = ['}  // extern "C"', "namespace {"]
+    for a in callbacks:
+        ret, params = callback_signature(a)
+        names = ", ".join(p.param for p in a.callback.params)
+        bound = f"{r.name}_{a.param}_bound"
+        out += [f"thread_local struct {{ {a.adapter_type} adapter; {a.fn_type} fn; }} {bound}{{}};",
+                f"{ret} {r.name}_{a.param}_trampoline({', '.join(params)}) {{",
+                f"  return {bound}.adapter({bound}.fn, {names});", "}"]
+    out += ["}  // namespace", 'extern "C" {', f"{head} {{"]
+    for a in callbacks:
+        bound = f"{r.name}_{a.param}_bound"
+        out += [f"  const auto {a.param}_saved = {bound};", f"  {bound} = {{{a.param}_adapter, {a.param}}};"]
+    call = ", ".join([f"{r.name}_{a.param}_trampoline" if a.callback else a.param for a in r.args]
+                     + [f"{a.param}_len" for a in r.char_args])
+    if r.returns:
+        out.append(f"  const auto result = {r.forwards}_({call});")
+    else:
+        out.append(f"  {r.forwards}_({call});")
+    out += [f"  {r.name}_{a.param}_bound = {a.param}_saved;" for a in callbacks]
+    if r.returns:
+        out.append("  return result;")
+    return out + ["}"]
+
+
 def emit_layers(chapter: Chapter, routines_by_symbol: dict) -> str:
     out = [f"// {HEADER_NOTE}", f"// Chapter {chapter.name}: entry layers, trace wrappers, dispatch stubs.",
            "#include <algorithm>", "#include <cstdint>", "#include <new>", "#include <span>", "#include <string_view>",
@@ -199,9 +233,7 @@ def emit_layers(chapter: Chapter, routines_by_symbol: dict) -> str:
     out += ["}  // namespace", "", 'extern "C" {']
     for r in chapter.routines:
         if r.forwards:
-            worker = f"{r.name}n_" if r.kind == "routine" else f"{r.name}_"
-            out.append(f"{r.ret_type()} {worker}({', '.join(r.worker_params())}) "
-                       f"{{ return {r.forwards}_({r.worker_call()}); }}")
+            out += emit_forwarding_worker(r)
     for r in routines:
         out.append("")
         out += [emit_adapter(a) for a in r.args if a.callback]
@@ -211,9 +243,9 @@ def emit_layers(chapter: Chapter, routines_by_symbol: dict) -> str:
                    f"{{ return {r.name}n_({r.worker_call()}); }}")
         if r.has_body:
             out += emit_flag_worker(r) if r.flag and r.ifail else emit_worker(r)
-    for p in chapter.published:
+    for p in chapter.published:  # the user's function goes to the worker with the library's adapter
         t = routines_by_symbol[p.target]
-        out.append(f"{t.ret_type()} {p.name}_({', '.join(t.worker_params())}) "
-                   f"{{ return {p.target}_({t.worker_call()}); }}")
+        out.append(f"{t.ret_type()} {p.name}_({', '.join(t.standard_params())}) "
+                   f"{{ return {p.target}_({t.worker_call(from_entry=True)}); }}")
     out.append('}  // extern "C"')
     return "\n".join(out) + "\n"
