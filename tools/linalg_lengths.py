@@ -153,7 +153,7 @@ def dimension_lines(text: str) -> str:
     lines = text.split("\n")
     keep = [lines[0]]
     for line in lines[1:]:
-        s = line.strip()
+        s = re.sub(r"^or\s+(?=\()", "", line.strip())  # "(M-1) if SIDE = 'L'" / "or (N-1) if SIDE = 'R'"
         if s.startswith("(") and (not keep[-1].strip() or " if " in s or keep[-1].rstrip().endswith(",")
                                   or not keep[0].strip()):
             keep.append(s)
