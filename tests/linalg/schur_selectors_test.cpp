@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "layers/f08.h"
 #include "vek.h"
 
 namespace {
