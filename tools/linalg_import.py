@@ -16,7 +16,6 @@ committed files differ.
 """
 import argparse
 import re
-import subprocess
 import sys
 from collections import OrderedDict
 from pathlib import Path
@@ -247,7 +246,7 @@ class Arg:
     def array(self):
         return self.length is not None
 
-    def decl(self, routine):
+    def decl(self):
         if self.callback:
             returns, params = self.callback
             return "\n".join([f"  callback {self.name} returns {returns} adapter {self.name.lower()}h"]
@@ -403,7 +402,7 @@ def emit_decl(chapter: str, routines: list[Routine]) -> str:
         returns = f" returns {r.returns}" if r.returns else ""
         out.append(f"{'internal' if r.internal else 'routine'} {r.symbol if r.internal else r.library}{returns}")
         out.append(f"  purpose {r.purpose}")
-        out += [a.decl(r) for a in r.args]
+        out += [a.decl() for a in r.args]
         if not r.hand:
             out.append(f"  forwards {PREFIX}{r.published}")
         out.append(f"published {r.published} {r.symbol}")
@@ -418,12 +417,7 @@ def write(path: Path, text: str):
 
 
 def default_header() -> Path:
-    listing = subprocess.run(["dpkg", "-L", "liblapacke-dev"], capture_output=True, text=True)
-    header = next((f for f in listing.stdout.split() if f.endswith("/lapack.h")), None)
-    if listing.returncode != 0 or header is None:
-        raise SystemExit("linalg_import: lapack.h of liblapacke-dev not found (tools/deps.sh installs it), "
-                         "or give --lapack-h PATH")
-    return Path(header)
+    return linalg_lengths.package_file("liblapacke-dev", "/lapack.h", "--lapack-h PATH")
 
 
 def main() -> int:

@@ -75,13 +75,18 @@ def clean(text: str) -> str:
     return text
 
 
+def package_file(package: str, suffix: str, option: str) -> Path:
+    """The file of an installed Debian package whose name ends in SUFFIX."""
+    listing = subprocess.run(["dpkg", "-L", package], capture_output=True, text=True)
+    found = next((f for f in listing.stdout.split() if f.endswith(suffix)), None)
+    if listing.returncode != 0 or found is None:
+        raise SystemExit(f"linalg_import: {suffix.lstrip('/')} of {package} not found (tools/deps.sh installs "
+                         f"it), or give {option}")
+    return Path(found)
+
+
 def default_doc_folder() -> Path:
-    listing = subprocess.run(["dpkg", "-L", "liblapack-doc"], capture_output=True, text=True)
-    page = next((f for f in listing.stdout.split() if f.endswith("/dgetrf.3.gz")), None)
-    if listing.returncode != 0 or page is None:
-        raise SystemExit("linalg_import: the manual pages of liblapack-doc not found (tools/deps.sh installs "
-                         "them), or give --lapack-doc FOLDER")
-    return Path(page).parent
+    return package_file("liblapack-doc", "/dgetrf.3.gz", "--lapack-doc FOLDER").parent
 
 
 SECTION_RE = re.compile(r'^"[^"\n]*?(?:subroutine|function) (\w+) ?\(')
