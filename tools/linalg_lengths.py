@@ -118,7 +118,11 @@ class Page:
 def read_pages(folder: Path, names: set[str]) -> dict[str, Page]:
     """The manual's page of each routine of NAMES."""
     found: dict[str, Page] = {}
-    for page in sorted(folder.glob("*.3.gz")):
+    # A routine's own page first (most have one); the others are found in the pages of their groups.
+    own = [folder / f"{name}.3.gz" for name in sorted(names) if (folder / f"{name}.3.gz").exists()]
+    for page in own + sorted(folder.glob("*.3.gz")):
+        if names <= found.keys():
+            break
         with gzip.open(page, "rt", errors="replace") as f:
             text = f.read()
         for section in text.split("\n.SS ")[1:]:
