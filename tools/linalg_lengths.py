@@ -12,6 +12,9 @@ import re
 import subprocess
 from pathlib import Path
 
+# The drivers computing selected eigenvectors into Z (their count M is an output).
+SELECTED = ("stemr", "stevx", "stevr", "syevx", "heevx", "syevr", "heevr", "spevx", "hpevx", "sbevx", "hbevx",
+            "sygvx", "hegvx", "spgvx", "hpgvx", "sbgvx", "hbgvx")
 # Lengths given by hand (routine name without its precision letter, argument): the manual's dimension
 # names a quantity that is not an argument (UCOL, LDWORK) or is not given at all.
 LENGTHS = {
@@ -22,18 +25,9 @@ LENGTHS = {
     # gesvdx: U is LDU by NS (at most min(M,N)) when JOBU = 'V'; VT is LDVT by N.
     ("gesvdx", "U"): "JOBU in {'V'} ? LDU*min(M,N) : 0",
     ("gesvdx", "VT"): "JOBVT in {'V'} ? LDVT*N : 0",
-    # the eigenvector count M is an output, at most N (at most IU-IL+1 when RANGE = 'I').
-    ("stemr", "Z"): "LDZ*max(1,N)",
-    ("stevx", "Z"): "LDZ*max(1,N)", ("stevr", "Z"): "LDZ*max(1,N)",
-    ("syevx", "Z"): "LDZ*max(1,N)", ("heevx", "Z"): "LDZ*max(1,N)",
-    ("syevr", "Z"): "LDZ*max(1,N)", ("heevr", "Z"): "LDZ*max(1,N)",
-    ("spevx", "Z"): "LDZ*max(1,N)", ("hpevx", "Z"): "LDZ*max(1,N)",
-    ("sbevx", "Z"): "LDZ*max(1,N)", ("hbevx", "Z"): "LDZ*max(1,N)",
-    ("sygvx", "Z"): "LDZ*max(1,N)", ("hegvx", "Z"): "LDZ*max(1,N)",
-    ("spgvx", "Z"): "LDZ*max(1,N)", ("hpgvx", "Z"): "LDZ*max(1,N)",
-    ("sbgvx", "Z"): "LDZ*max(1,N)", ("hbgvx", "Z"): "LDZ*max(1,N)",
-    ("syevr", "ISUPPZ"): "2*max(1,N)", ("heevr", "ISUPPZ"): "2*max(1,N)", ("stevr", "ISUPPZ"): "2*max(1,N)",
-    ("stemr", "ISUPPZ"): "2*max(1,N)",
+    # the eigenvector count M is an output: at most IU-IL+1 when RANGE = 'I', else at most N.
+    **{(r, "Z"): "JOBZ in {'N'} ? 0 : RANGE in {'I'} ? LDZ*max(1,IU-IL+1) : LDZ*max(1,N)" for r in SELECTED},
+    **{(r, "ISUPPZ"): "RANGE in {'I'} ? 2*max(1,IU-IL+1) : 2*max(1,N)" for r in ("syevr", "heevr", "stevr", "stemr")},
     ("sbgvx", "IFAIL"): "JOBZ in {'N'} ? 0 : N",
     # the count M of vectors used is an output, at most MM.
     ("trsna", "VL"): "JOB in {'V'} ? 0 : LDVL*MM", ("trsna", "VR"): "JOB in {'V'} ? 0 : LDVR*MM",
