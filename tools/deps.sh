@@ -4,7 +4,7 @@ set -euo pipefail
 packages=(
   g++ gfortran cmake ninja-build pkg-config python3 python3-mpmath
   libgtest-dev libgmock-dev libbenchmark-dev libgsl-dev
-  libopenblas64-openmp-dev libblas64-test liblapack64-test liblapacke-dev liblapack64-3
+  libopenblas64-openmp-dev libblas64-test liblapack64-test liblapacke-dev liblapack64-3 liblapack-doc
   libgsl-dev
   libboost-dev
 )

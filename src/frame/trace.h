@@ -27,10 +27,6 @@ int64_t nan_count();
 void reset_nan_count();
 void count_nan();
 
-// Length expressions of the declarations.
-inline int64_t max(int64_t a, int64_t b) { return a > b ? a : b; }
-inline int64_t min(int64_t a, int64_t b) { return a < b ? a : b; }
-
 inline constexpr int kLineWidth = 100;
 inline constexpr int kValueColumn = 55;
 inline constexpr int kShownAtLevel1 = 10;

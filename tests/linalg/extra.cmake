@@ -29,6 +29,15 @@ function(vek_reference_test)
   set_tests_properties(${REF_NAME} PROPERTIES LABELS linalg TIMEOUT 900)
 endfunction()
 
+# Fortran callers of the Schur drivers passing LOGICAL FUNCTION selectors (64-bit default integers).
+if(CMAKE_Fortran_COMPILER)
+  add_executable(test_linalg_fortran_selectors ${CMAKE_CURRENT_LIST_DIR}/fortran/schur_selectors.f90)
+  target_compile_options(test_linalg_fortran_selectors PRIVATE -fdefault-integer-8)
+  target_link_libraries(test_linalg_fortran_selectors PRIVATE vek)
+  add_test(NAME linalg_fortran_selectors COMMAND test_linalg_fortran_selectors)
+  set_tests_properties(linalg_fortran_selectors PROPERTIES LABELS linalg)
+endif()
+
 # The testers are plain programs: a sanitizer-built library cannot be preloaded into them (the sanitizer
 # runtime must come first), so they run in the release build only.
 if(VEK_SANITIZE)

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """The committed declarations src/exports/f06.decl, f07.decl and f08.decl are what tools/linalg_import.py
-makes of src/linalg/published_names.txt and lapack.h now: the import is run into OUT (a folder of the build
+makes of src/linalg/published_names.txt, lapack.h and the LAPACK manual pages now: the import is run into OUT (a folder of the build
 tree) and each file compared with the committed one.
   linalg_decls_test.py OUT"""
 import difflib

@@ -9,9 +9,13 @@ what the generator accepts always compiles and means what it says:
 - relations take numbers, `&&`, `||` and `!` take conditions, and relations do not chain;
 - `NAME in {a, b}` tests membership: for a character argument its first letter, upper-cased, against
   letters; `len(NAME)` is a character argument's length; `max`, `min` (two arguments), `abs` (one) and
-  `eps` (the machine precision) are known.
+  `eps` (the machine precision) are known;
+- `CONDITION ? A : B` chooses between two numbers (the lowest precedence, as in C).
 
-A condition that is not true (NaN compares false) fails."""
+A condition that is not true (NaN compares false) fails.
+
+An array's length is the same language read as an integer: its arithmetic saturates (vek::frame::Extent)
+instead of being bounded, so that any length over 64-bit arguments evaluates without overflow."""
 from __future__ import annotations
 
 import re
@@ -20,7 +24,7 @@ from dataclasses import dataclass
 from .model import DeclError, Routine
 
 TOKEN_RE = re.compile(r"\s*(?:(?P<num>\d+\.?\d*(?:[eE][-+]?\d+)?|\.\d+(?:[eE][-+]?\d+)?)|(?P<id>[A-Za-z_][A-Za-z0-9_]*)"
-                      r"|(?P<chr>'[^']')|(?P<op>>=|<=|==|!=|&&|\|\||[<>!+\-*/(),{}]))")
+                      r"|(?P<chr>'[^']')|(?P<op>>=|<=|==|!=|&&|\|\||[<>!+\-*/(),{}?:]))")
 FUNCTIONS = {"max": ("vek::frame::check_max", 2), "min": ("vek::frame::check_min", 2),
              "abs": ("vek::frame::check_abs", 1)}
 RELATIONS = ("<", "<=", ">", ">=", "==", "!=")
@@ -54,6 +58,7 @@ class CheckParser:
 
     def __init__(self, expr: str, r: Routine, where: str, what: str = "check"):
         self.expr, self.r, self.where, self.what = expr, r, where, what
+        self.saturating = what == "length"  # integers as vek::frame::Extent, which cannot overflow
         self.toks = tokens(expr, where)
         self.pos = 0
 
@@ -89,7 +94,7 @@ class CheckParser:
         return t
 
     def bounded(self, t: Term) -> Term:
-        if t.kind == "int" and t.bound > WIDE_LIMIT:
+        if t.kind == "int" and t.bound > WIDE_LIMIT and not self.saturating:
             self.fail(f"'{t.text}' may overflow the 128-bit integers of a check")
         return t
 
@@ -102,12 +107,27 @@ class CheckParser:
 
     # -- grammar -------------------------------------------------------------------------------------
     def condition(self) -> str:
-        t = self.logical()
+        t = self.choice()
         if self.peek() is not None:
             self.fail(f"unexpected {repr(self.peek()[1])}")
         if t.kind != "cond":
             self.fail("is a number, not a condition: write a relation such as 'N >= 1'")
         return t.code
+
+    def choice(self) -> Term:
+        """CONDITION ? A : B, right-associative; both branches numbers of one kind."""
+        test = self.logical()
+        if not self.at_op("?"):
+            return test
+        self.take()
+        self.need(test, "cond", "'?'")
+        yes = self.need(self.choice(), "number", "'?'")
+        self.expect(":", "after the first choice of '?'")
+        no = self.need(self.choice(), "number", "':'")
+        if yes.kind != no.kind:
+            self.fail("both choices of '?' are integers, or both are reals")
+        return Term(f"({test.code} ? {yes.code} : {no.code})", f"{test.text} ? {yes.text} : {no.text}", yes.kind,
+                    max(yes.bound, no.bound))
 
     def logical(self) -> Term:
         left = self.conjunction()
@@ -184,7 +204,7 @@ class CheckParser:
                 return Term(text, text, "int", int(text))
             return Term(text, text, "real")
         if kind == "op" and text == "(":
-            t = self.logical()
+            t = self.choice()
             self.expect(")", "to close '('")
             return Term(f"({t.code})", f"({t.text})", t.kind, t.bound)
         if kind == "op" and text in "{}":
@@ -209,6 +229,8 @@ class CheckParser:
     def operand(self, name: str) -> Term:
         a = self.scalar(name)
         if a.base in ("int", "logical"):
+            if self.saturating:
+                return Term(f"vek::frame::Extent(*{a.param})", name, "int", ARG_BOUND)
             return Term(f"vek::frame::wide(*{a.param})", name, "int", ARG_BOUND)
         if a.base in ("real", "single"):
             return Term(f"(*{a.param})", name, "real")
@@ -221,6 +243,8 @@ class CheckParser:
         if a is None or a.base != "char":
             raise DeclError(f"{self.where}: len() takes a character argument")
         self.pos += 3
+        if self.saturating:
+            return Term(f"vek::frame::Extent({a.param}_len)", f"len({a.name})", "int", ARG_BOUND)
         return Term(f"vek::frame::wide({a.param}_len)", f"len({a.name})", "int", ARG_BOUND)
 
     def function(self, name: str) -> Term:
@@ -228,10 +252,10 @@ class CheckParser:
         if self.peek() != ("op", "("):
             raise DeclError(f"{self.where}: '{name}' is a function")
         self.take()
-        args = [self.need(self.logical(), "number", f"{name}()")]
+        args = [self.need(self.choice(), "number", f"{name}()")]
         while self.at_op(","):
             self.take()
-            args.append(self.need(self.logical(), "number", f"{name}()"))
+            args.append(self.need(self.choice(), "number", f"{name}()"))
         self.expect(")", f"to close {name}(")
         if len(args) != arity:
             self.fail(f"{name}() takes {arity} argument{'s' if arity > 1 else ''}, not {len(args)}")
@@ -281,11 +305,13 @@ def translate(expr: str, r: Routine, where: str) -> str:
     return CheckParser(expr, r, where).condition()
 
 
-def check_length(expr: str, r: Routine, where: str):
-    """An array's traced length: an integer expression over integer scalar arguments."""
+def length_code(expr: str, r: Routine, where: str) -> str:
+    """An array's length: an integer expression over the scalar arguments, as C++ giving a vek::frame::Extent
+    (saturating: the length over any 64-bit arguments is computed without overflow)."""
     p = CheckParser(expr, r, where, "length")
-    t = p.logical()
+    t = p.choice()
     if p.peek() is not None:
         p.fail(f"unexpected {repr(p.peek()[1])}")
     if t.kind != "int":
         p.fail("is not an integer expression over integer arguments")
+    return f"vek::frame::Extent({t.code})"

@@ -108,7 +108,7 @@ def emit_public_header(chapters: list[Chapter], routines_by_symbol: dict) -> str
             out.append(prototype(r.ret_type(), f"{r.name}_", params))
         for p in ch.published:
             t = routines_by_symbol[p.target]
-            out.append(prototype(t.ret_type(), f"{p.name}_", t.worker_params()))
+            out.append(prototype(t.ret_type(), f"{p.name}_", t.standard_params()))
     out += ["", "#ifdef __cplusplus", "}", "#endif", "#endif"]
     return "\n".join(out) + "\n"
 
@@ -139,7 +139,7 @@ def emit_forwarded_header(chapters: list[Chapter]) -> str:
         for r in ch.routines:
             if r.forwards and r.forwards not in seen:
                 seen.add(r.forwards)
-                out.append(f"{r.ret_type()} {r.forwards}_({', '.join(r.worker_params()) or 'void'});")
+                out.append(f"{r.ret_type()} {r.forwards}_({', '.join(r.standard_params()) or 'void'});")
     out.append('}  // extern "C"')
     return "\n".join(out) + "\n"
 

@@ -211,6 +211,11 @@ class Routine:
             names = ["result", "result_len"] + names
         return ", ".join(names)
 
+    def standard_params(self) -> list[str]:
+        """The published argument list (a published name's entry, a forwarded dependency routine): a user
+        function as itself, without the adapter the worker takes."""
+        return [a.decl() for a in self.args] + [f"int64_t {a.param}_len" for a in self.char_args]
+
     def body_params(self) -> list[str]:
         """The hand-written body: the error buffer (IFAIL routines), the arguments, the hidden lengths."""
         params = ["vek::frame::ErrorBuffer& err"] if self.ifail else []

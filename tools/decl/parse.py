@@ -93,6 +93,14 @@ class Parser:
         if key == "field":
             self.field(raw, where)
             return
+        if key in INTENTS or key == "param":  # the type runs to the end of the line: a length may hold blanks
+            words = raw.split("#", 1)[0].split(None, 3 if key == "param" else 2)
+            rest = words[1:]
+            if key == "param":
+                self.kw_param(rest, where)
+            else:
+                self.argument(key, rest, where)
+            return
         try:
             words = shlex.split(raw, comments=True)
         except ValueError as e:

@@ -6,7 +6,7 @@ from __future__ import annotations
 import copy
 import re
 
-from .checks import check_length, translate
+from .checks import length_code, translate
 from .model import Chapter, Check, DeclError, Illegal, Message, Routine, Use, Value
 
 CPP_KEYWORDS = set("""alignas alignof and and_eq asm auto bitand bitor bool break case catch char char8_t char16_t
@@ -149,7 +149,7 @@ def check_names(r: Routine):
 def check_lengths(r: Routine):
     for a in r.args:
         if a.length not in (None, "*"):
-            check_length(a.length, r, a.where)
+            length_code(a.length, r, a.where)
 
 
 def resolve(chapters: list[Chapter]):

@@ -5,4 +5,5 @@
 
 extern "C" {
 void vekob_tscal_(const int64_t* n, double* x);
+void vekob_tsort_(const char* job, vek_t02caf_select_fn select, const int64_t* n, double* w, int64_t job_len);
 }  // extern "C"

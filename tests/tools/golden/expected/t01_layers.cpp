@@ -40,30 +40,38 @@ constexpr const char* t01faf_illegal = "** On entry to {ROUTINE}, parameter numb
 
 extern "C" {
 
-void t01aaf_(const int64_t* n, const double* x, double* y, const double* w, char* c, int64_t c_len) { return t01aaft_(n, x, y, w, c, c_len); }
-[[gnu::noinline, gnu::cold]] static void t01aaft_traced(int64_t trace_level, const int64_t* n, const double* x, double* y, const double* w, char* c, int64_t c_len) {
+void t01aaf_(const int64_t* n, const double* x, double* y, const double* w, char* c, const int64_t* inc, const int64_t* ld, const double* v, const double* b, int64_t c_len) { return t01aaft_(n, x, y, w, c, inc, ld, v, b, c_len); }
+[[gnu::noinline, gnu::cold]] static void t01aaft_traced(int64_t trace_level, const int64_t* n, const double* x, double* y, const double* w, char* c, const int64_t* inc, const int64_t* ld, const double* v, const double* b, int64_t c_len) {
   vek::trace::Record trace_rec("T01AAFT", trace_level);
   trace_rec.begin(true);
   trace_rec.integer("N", n);
-  trace_rec.reals("X", x, (*n));
+  trace_rec.reals("X", x, vek::frame::extent_count(vek::frame::Extent(vek::frame::Extent(*n))));
   trace_rec.address("W", w);
   trace_rec.text("C", c, c_len);
+  trace_rec.integer("INC", inc);
+  trace_rec.integer("LD", ld);
+  trace_rec.reals("V", v, vek::frame::extent_count(vek::frame::Extent(1 + (vek::frame::Extent(*n) - 1) * vek::frame::check_abs(vek::frame::Extent(*inc)))));
+  trace_rec.reals("B", b, vek::frame::extent_count(vek::frame::Extent(((vek::text::option_letter(c, c_len) == 'N') ? vek::frame::Extent(*ld) * vek::frame::Extent(*n) : vek::frame::Extent(*ld) * vek::frame::Extent(*n) * vek::frame::Extent(*n)))));
   trace_rec.end();
-  t01aafv_(n, x, y, w, c, c_len);
+  t01aafv_(n, x, y, w, c, inc, ld, v, b, c_len);
   trace_rec.begin(false);
   trace_rec.integer("N", n);
-  trace_rec.reals("X", x, (*n));
-  trace_rec.reals("Y", y, vek::trace::max((*n),1));
+  trace_rec.reals("X", x, vek::frame::extent_count(vek::frame::Extent(vek::frame::Extent(*n))));
+  trace_rec.reals("Y", y, vek::frame::extent_count(vek::frame::Extent(vek::frame::check_max(vek::frame::Extent(*n), 1))));
   trace_rec.address("W", w);
   trace_rec.text("C", c, c_len);
+  trace_rec.integer("INC", inc);
+  trace_rec.integer("LD", ld);
+  trace_rec.reals("V", v, vek::frame::extent_count(vek::frame::Extent(1 + (vek::frame::Extent(*n) - 1) * vek::frame::check_abs(vek::frame::Extent(*inc)))));
+  trace_rec.reals("B", b, vek::frame::extent_count(vek::frame::Extent(((vek::text::option_letter(c, c_len) == 'N') ? vek::frame::Extent(*ld) * vek::frame::Extent(*n) : vek::frame::Extent(*ld) * vek::frame::Extent(*n) * vek::frame::Extent(*n)))));
   trace_rec.end();
 }
-void t01aaft_(const int64_t* n, const double* x, double* y, const double* w, char* c, int64_t c_len) {
+void t01aaft_(const int64_t* n, const double* x, double* y, const double* w, char* c, const int64_t* inc, const int64_t* ld, const double* v, const double* b, int64_t c_len) {
   const int64_t trace_level = vek::trace::level();
-  if (trace_level == 0) [[likely]] return t01aafv_(n, x, y, w, c, c_len);
-  return t01aaft_traced(trace_level, n, x, y, w, c, c_len);
+  if (trace_level == 0) [[likely]] return t01aafv_(n, x, y, w, c, inc, ld, v, b, c_len);
+  return t01aaft_traced(trace_level, n, x, y, w, c, inc, ld, v, b, c_len);
 }
-void t01aafv_(const int64_t* n, const double* x, double* y, const double* w, char* c, int64_t c_len) { return t01aafn_(n, x, y, w, c, c_len); }
+void t01aafv_(const int64_t* n, const double* x, double* y, const double* w, char* c, const int64_t* inc, const int64_t* ld, const double* v, const double* b, int64_t c_len) { return t01aafn_(n, x, y, w, c, inc, ld, v, b, c_len); }
 
 void t01baf_(const int64_t* n, const int64_t* lda, const double* a, const double* tol, const int64_t* job, const char* order, const char* name, double* pivots, int64_t* ifail, int64_t order_len, int64_t name_len) {
   char errbuf[200];
@@ -76,7 +84,7 @@ void t01baf_(const int64_t* n, const int64_t* lda, const double* a, const double
   trace_rec.begin(true);
   trace_rec.integer("N", n);
   trace_rec.integer("LDA", lda);
-  trace_rec.reals("A", a, (*lda)*(*n));
+  trace_rec.reals("A", a, vek::frame::extent_count(vek::frame::Extent(vek::frame::Extent(*lda) * vek::frame::Extent(*n))));
   trace_rec.real("TOL", tol);
   trace_rec.integer("JOB", job);
   trace_rec.text("ORDER", order, order_len);
@@ -86,12 +94,12 @@ void t01baf_(const int64_t* n, const int64_t* lda, const double* a, const double
   trace_rec.begin(false);
   trace_rec.integer("N", n);
   trace_rec.integer("LDA", lda);
-  trace_rec.reals("A", a, (*lda)*(*n));
+  trace_rec.reals("A", a, vek::frame::extent_count(vek::frame::Extent(vek::frame::Extent(*lda) * vek::frame::Extent(*n))));
   trace_rec.real("TOL", tol);
   trace_rec.integer("JOB", job);
   trace_rec.text("ORDER", order, order_len);
   trace_rec.text("NAME", name, name_len);
-  trace_rec.reals("PIVOTS", pivots, (*n));
+  trace_rec.reals("PIVOTS", pivots, vek::frame::extent_count(vek::frame::Extent(vek::frame::Extent(*n))));
   trace_rec.text("ERRBUF", errbuf, errbuf_len);
   trace_rec.integer("IFAIL", ierr);
   trace_rec.end();
@@ -199,7 +207,7 @@ void t01daf_(double* x, double* fx, double* c, int64_t* ind, int64_t* ifail) {
   trace_rec.begin(true);
   trace_rec.real("X", x);
   trace_rec.real("FX", fx);
-  trace_rec.reals("C", c, 6);
+  trace_rec.reals("C", c, vek::frame::extent_count(vek::frame::Extent(6)));
   trace_rec.integer("IND", ind);
   trace_rec.end();
   t01dafv_(x, fx, c, ind, errbuf, ierr, errbuf_len);
@@ -209,7 +217,7 @@ void t01daf_(double* x, double* fx, double* c, int64_t* ind, int64_t* ifail) {
   } else {
     trace_rec.real("X", x);
     trace_rec.real("FX", fx);
-    trace_rec.reals("C", c, 6);
+    trace_rec.reals("C", c, vek::frame::extent_count(vek::frame::Extent(6)));
     trace_rec.integer("IND", ind);
     trace_rec.text("ERRBUF", errbuf, errbuf_len);
     trace_rec.integer("IFAIL", ierr);

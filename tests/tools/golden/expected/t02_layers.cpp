@@ -21,6 +21,20 @@ constexpr vek::frame::Message t02aaf_messages[] = {
 
 extern "C" {
 void t02bafn_(const int64_t* n, double* x) { return vekob_tscal_(n, x); }
+}  // extern "C"
+namespace {
+thread_local struct { vek_t02caf_select_adapter adapter; vek_t02caf_select_fn fn; } t02caf_select_bound{};
+int64_t t02caf_select_trampoline(const double* wr, const double* wi) {
+  return t02caf_select_bound.adapter(t02caf_select_bound.fn, wr, wi);
+}
+}  // namespace
+extern "C" {
+void t02cafn_(const char* job, vek_t02caf_select_adapter select_adapter, vek_t02caf_select_fn select, const int64_t* n, double* w, int64_t job_len) {
+  const auto select_saved = t02caf_select_bound;
+  t02caf_select_bound = {select_adapter, select};
+  vekob_tsort_(job, t02caf_select_trampoline, n, w, job_len);
+  t02caf_select_bound = select_saved;
+}
 
 void t02aaf_(const int64_t* n, int64_t* ifail) {
   char errbuf[200];
@@ -80,6 +94,32 @@ void t02baft_(const int64_t* n, double* x) {
   return t02baft_traced(trace_level, n, x);
 }
 void t02bafv_(const int64_t* n, double* x) { return t02bafn_(n, x); }
+
+int64_t t02caf_selecth_(vek_t02caf_select_fn vek_user_fn, const double* wr, const double* wi) { return vek_user_fn(wr, wi); }
+void t02caf_(const char* job, vek_t02caf_select_fn select, const int64_t* n, double* w, int64_t job_len) { return t02caft_(job, t02caf_selecth_, select, n, w, job_len); }
+[[gnu::noinline, gnu::cold]] static void t02caft_traced(int64_t trace_level, const char* job, vek_t02caf_select_adapter select_adapter, vek_t02caf_select_fn select, const int64_t* n, double* w, int64_t job_len) {
+  vek::trace::Record trace_rec("T02CAFT", trace_level);
+  trace_rec.begin(true);
+  trace_rec.text("JOB", job, job_len);
+  trace_rec.address("SELECT", reinterpret_cast<const void*>(select));
+  trace_rec.integer("N", n);
+  trace_rec.reals("W", w, vek::frame::extent_count(vek::frame::Extent(((vek::text::option_letter(job, job_len) == 'V') ? 2 * vek::frame::Extent(*n) : vek::frame::Extent(*n)))));
+  trace_rec.end();
+  t02cafv_(job, select_adapter, select, n, w, job_len);
+  trace_rec.begin(false);
+  trace_rec.text("JOB", job, job_len);
+  trace_rec.address("SELECT", reinterpret_cast<const void*>(select));
+  trace_rec.integer("N", n);
+  trace_rec.reals("W", w, vek::frame::extent_count(vek::frame::Extent(((vek::text::option_letter(job, job_len) == 'V') ? 2 * vek::frame::Extent(*n) : vek::frame::Extent(*n)))));
+  trace_rec.end();
+}
+void t02caft_(const char* job, vek_t02caf_select_adapter select_adapter, vek_t02caf_select_fn select, const int64_t* n, double* w, int64_t job_len) {
+  const int64_t trace_level = vek::trace::level();
+  if (trace_level == 0) [[likely]] return t02cafv_(job, select_adapter, select, n, w, job_len);
+  return t02caft_traced(trace_level, job, select_adapter, select, n, w, job_len);
+}
+void t02cafv_(const char* job, vek_t02caf_select_adapter select_adapter, vek_t02caf_select_fn select, const int64_t* n, double* w, int64_t job_len) { return t02cafn_(job, select_adapter, select, n, w, job_len); }
 void tscal_(const int64_t* n, double* x) { return t02bafn_(n, x); }
 float sscal_t_(const int64_t* n, const float* x) { return t02baen_(n, x); }
+void tsort_(const char* job, vek_t02caf_select_fn select, const int64_t* n, double* w, int64_t job_len) { return t02cafn_(job, t02caf_selecth_, select, n, w, job_len); }
 }  // extern "C"

@@ -14,8 +14,12 @@ extern "C" {
  *   out   Y          real[max(N,1)]
  *   in    W          real[*]
  *   inout C          char
+ *   in    INC        int
+ *   in    LD         int
+ *   in    V          real[1 + (N-1)*abs(INC)]
+ *   in    B          real[C in {'N'} ? LD*N : LD*N*N]
  */
-VEK_API void t01aaf_(const int64_t* n, const double* x, double* y, const double* w, char* c, int64_t c_len);
+VEK_API void t01aaf_(const int64_t* n, const double* x, double* y, const double* w, char* c, const int64_t* inc, const int64_t* ld, const double* v, const double* b, int64_t c_len);
 /* T01BAF: An IFAIL routine: a group, checks of every form and values of every kind.
  *   in    N          int
  *   in    LDA        int
@@ -94,8 +98,21 @@ VEK_API void t02baf_(const int64_t* n, double* x);
  *   in    X          single[*]
  */
 VEK_API float t02baen_(const int64_t* n, const float* x);
+/* T02CAF: Forwards with a user function: the dependency receives a trampoline that calls it through the adapter.
+ *   in    JOB        char
+ *   in    SELECT     callback
+ *         SELECT: in    WR         real
+ *         SELECT: in    WI         real
+ *   in    N          int
+ *   inout W          real[JOB in {'V'} ? 2*N : N]
+ */
+typedef int64_t (*vek_t02caf_select_fn)(const double* wr, const double* wi);
+typedef int64_t (*vek_t02caf_select_adapter)(vek_t02caf_select_fn vek_user_fn, const double* wr, const double* wi);
+VEK_API int64_t t02caf_selecth_(vek_t02caf_select_fn vek_user_fn, const double* wr, const double* wi);
+VEK_API void t02caf_(const char* job, vek_t02caf_select_fn select, const int64_t* n, double* w, int64_t job_len);
 VEK_API void tscal_(const int64_t* n, double* x);
 VEK_API float sscal_t_(const int64_t* n, const float* x);
+VEK_API void tsort_(const char* job, vek_t02caf_select_fn select, const int64_t* n, double* w, int64_t job_len);
 
 #ifdef __cplusplus
 }

@@ -7,9 +7,9 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
-VEK_API void t01aaft_(const int64_t* n, const double* x, double* y, const double* w, char* c, int64_t c_len);
-VEK_API void t01aafv_(const int64_t* n, const double* x, double* y, const double* w, char* c, int64_t c_len);
-VEK_API void t01aafn_(const int64_t* n, const double* x, double* y, const double* w, char* c, int64_t c_len);
+VEK_API void t01aaft_(const int64_t* n, const double* x, double* y, const double* w, char* c, const int64_t* inc, const int64_t* ld, const double* v, const double* b, int64_t c_len);
+VEK_API void t01aafv_(const int64_t* n, const double* x, double* y, const double* w, char* c, const int64_t* inc, const int64_t* ld, const double* v, const double* b, int64_t c_len);
+VEK_API void t01aafn_(const int64_t* n, const double* x, double* y, const double* w, char* c, const int64_t* inc, const int64_t* ld, const double* v, const double* b, int64_t c_len);
 VEK_API void t01baft_(const int64_t* n, const int64_t* lda, const double* a, const double* tol, const int64_t* job, const char* order, const char* name, double* pivots, char* errbuf, int64_t* ierr, int64_t order_len, int64_t name_len, int64_t errbuf_len);
 VEK_API void t01bafv_(const int64_t* n, const int64_t* lda, const double* a, const double* tol, const int64_t* job, const char* order, const char* name, double* pivots, char* errbuf, int64_t* ierr, int64_t order_len, int64_t name_len, int64_t errbuf_len);
 VEK_API void t01bafn_(const int64_t* n, const int64_t* lda, const double* a, const double* tol, const int64_t* job, const char* order, const char* name, double* pivots, char* errbuf, int64_t* ierr, int64_t order_len, int64_t name_len, int64_t errbuf_len);

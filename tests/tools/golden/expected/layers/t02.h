@@ -13,6 +13,9 @@ VEK_API void t02aafn_(const int64_t* n, char* errbuf, int64_t* ierr, int64_t err
 VEK_API void t02baft_(const int64_t* n, double* x);
 VEK_API void t02bafv_(const int64_t* n, double* x);
 VEK_API void t02bafn_(const int64_t* n, double* x);
+VEK_API void t02caft_(const char* job, vek_t02caf_select_adapter select_adapter, vek_t02caf_select_fn select, const int64_t* n, double* w, int64_t job_len);
+VEK_API void t02cafv_(const char* job, vek_t02caf_select_adapter select_adapter, vek_t02caf_select_fn select, const int64_t* n, double* w, int64_t job_len);
+VEK_API void t02cafn_(const char* job, vek_t02caf_select_adapter select_adapter, vek_t02caf_select_fn select, const int64_t* n, double* w, int64_t job_len);
 
 #ifdef __cplusplus
 }
