@@ -75,9 +75,11 @@ def emit_require(r: Routine, rest: list[str]) -> list[str]:
             f"  {NS}report({expression(r, published)}, bad);", f"  {failed}"]
 
 
-def emit_guarded_worker(r: Routine, worker: str) -> list[str]:
-    head = f"{r.ret_type()} {worker}({', '.join(r.worker_params())}) {{"
-    forward = f"  const auto forward = [&] {{ return {r.forwards}_({r.worker_call()}); }};"
+def emit_guarded_worker(r: Routine, head: str, call: str) -> list[str]:
+    """The worker `head` whose forwarding call passes `call` to the dependency, behind the routine's guard; the
+    first line opens the body."""
+    head = f"{head} {{"
+    forward = f"  const auto forward = [&] {{ return {r.forwards}_({call}); }};"
     kind, rest = r.guard[0], r.guard[1:]
     if kind == "require":
         return [head, forward] + emit_require(r, rest) + ["}"]

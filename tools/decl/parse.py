@@ -256,7 +256,7 @@ class Parser:
             raise DeclError(f"{where}: 'guard NAME ...' follows 'forwards'")
         r.guard = rest
         try:
-            emit_guarded_worker(r, "check")  # every name and region resolved now, at this line
+            emit_guarded_worker(r, "check", "")  # every name and region resolved now, at this line
         except ValueError as e:
             raise DeclError(f"{where}: {e}") from None
 

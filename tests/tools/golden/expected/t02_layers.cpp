@@ -30,10 +30,12 @@ int64_t t02caf_select_trampoline(const double* wr, const double* wi) {
 }  // namespace
 extern "C" {
 void t02cafn_(const char* job, vek_t02caf_select_adapter select_adapter, vek_t02caf_select_fn select, const int64_t* n, double* w, int64_t job_len) {
-  const auto select_saved = t02caf_select_bound;
+  const struct select_restore {
+    decltype(t02caf_select_bound) saved;
+    ~select_restore() { t02caf_select_bound = saved; }
+  } select_restore_at_exit{t02caf_select_bound};
   t02caf_select_bound = {select_adapter, select};
-  vekob_tsort_(job, t02caf_select_trampoline, n, w, job_len);
-  t02caf_select_bound = select_saved;
+  return vekob_tsort_(job, t02caf_select_trampoline, n, w, job_len);
 }
 
 void t02aaf_(const int64_t* n, int64_t* ifail) {
