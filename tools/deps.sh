@@ -6,6 +6,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev libgsl-dev
   libopenblas64-openmp-dev libblas64-test liblapack64-test liblapacke-dev liblapack64-3
   libgsl-dev
+  clang-14 libclang-rt-14-dev libomp-14-dev
 )
 missing=()
 for p in "${packages[@]}"; do
