@@ -95,7 +95,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
       FUZZ_REQUIRE(r.status == 0 && r.nfields == p.nfields);
       FUZZ_REQUIRE(r.msgno == ((which & 2) ? new_msgno : p.msgno));
       if (which & 1) FUZZ_REQUIRE(vek::text::trim(r.lines[0]) == vek::text::int_text(new_ifail));
-      for (int k = 2; k < p.nfields; ++k) FUZZ_REQUIRE(r.lines[k] == p.lines[k]);
+      // Compared trimmed: a field cut to 80 characters may end in NULs, which count as blanks.
+      for (int k = 2; k < p.nfields; ++k) FUZZ_REQUIRE(vek::text::trim(r.lines[k]) == vek::text::trim(p.lines[k]));
     }
   }
 

@@ -3,51 +3,25 @@
 // codes, the same from both.
 #include <fuzzer/FuzzedDataProvider.h>
 
-#include <unistd.h>
-
 #include <cstdint>
-#include <cstdio>
-#include <filesystem>
 #include <string>
 #include <vector>
 
+#include "files.h"
 #include "frame/units.h"
 #include "optim/e04uc_options.h"
 #include "optim/options_file.h"
 #include "require.h"
 #include "vek.h"
 
-namespace {
-
 namespace o = vek::optim;
-
-std::vector<std::string> records_of(const std::string& bytes) {
-  std::vector<std::string> records;
-  for (size_t start = 0; start < bytes.size();) {
-    size_t end = bytes.find('\n', start);
-    if (end == std::string::npos) end = bytes.size();
-    std::string r = bytes.substr(start, end - start);
-    if (!r.empty() && r.back() == '\r') r.pop_back();
-    records.push_back(r);
-    start = end + 1;
-  }
-  return records;
-}
-
-const std::string& scratch_file() {
-  static const std::string path =
-      (std::filesystem::temp_directory_path() / ("vek_fuzz_options_" + std::to_string(getpid()))).string();
-  return path;
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   FuzzedDataProvider in(data, size);
   const bool listing = in.ConsumeBool();
   const bool read_error = in.ConsumeBool();
   const std::string bytes = in.ConsumeRemainingBytesAsString();
-  const std::vector<std::string> records = records_of(bytes);
+  const std::vector<std::string> records = vek_fuzz::lines_of(bytes);
 
   o::SaveAreas areas;
   const o::e04uc::Store store(areas);
@@ -67,15 +41,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   o::e04uc::start_of_solve(store, {3, 1, 1}, [&](std::string_view r) { written.emplace_back(r); });
 
   // The same file through the entry, on a unit, with the printing suppressed.
-  if (std::FILE* f = std::fopen(scratch_file().c_str(), "wb")) {
-    std::fwrite(bytes.data(), 1, bytes.size(), f);
-    std::fclose(f);
-  } else {
-    return 0;
-  }
+  const std::string path = vek_fuzz::scratch_file("vek_fuzz_options", bytes);
+  if (path.empty()) return 0;
   const int64_t unit = 18, read_mode = 0, get = 0, set = 1;
   int64_t ifail = 1, old_advisory = 0, quiet = -1, unit_inform = -1;
-  x04acf_(&unit, scratch_file().data(), &read_mode, &ifail, static_cast<int64_t>(scratch_file().size()));
+  x04acf_(&unit, path.data(), &read_mode, &ifail, static_cast<int64_t>(path.size()));
   FUZZ_REQUIRE(ifail == 0);
   x04abf_(&get, &old_advisory);
   x04abf_(&set, &quiet);

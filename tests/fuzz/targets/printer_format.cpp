@@ -7,9 +7,11 @@
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "frame/printers_format.h"
+#include "frame/text.h"
 #include "frame/units.h"
 #include "require.h"
 #include "vek.h"
@@ -69,10 +71,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   x04abf_(&set, &quiet);
   const char* diag = "N";
   auto len = [](const std::string& s) { return static_cast<int64_t>(s.size()); };
+  // A printer succeeds only with a FORM the parser accepts (or a blank or "*" one).
+  const std::string_view trimmed = vek::text::trim(form);
+  const bool form_accepted = trimmed.empty() || trimmed == "*" || vek::printers::parse_edit_descriptor(form, false);
   int64_t ifail = 1;
   x04cbf_(&sorder, matrix.data(), diag, &m, &n, a.data(), &lda, form.data(), title.data(), labrow.data(),
           rlabs.data(), labcol.data(), clabs.data(), &ncols, &indent, &suppressed, &ifail, len(matrix), 1,
           len(form), len(title), len(labrow), label_len, len(labcol), label_len);
+  if (ifail == 0) FUZZ_REQUIRE(form_accepted);
   ifail = 1;
   x04dbf_(&sorder, matrix.data(), diag, &m, &n, z.data(), &lda, usefrm.data(), form.data(), title.data(),
           labrow.data(), rlabs.data(), labcol.data(), clabs.data(), &ncols, &indent, &suppressed, &ifail,

@@ -4,42 +4,13 @@
 // name from the input under a folder that does not exist exercises the failed open and its message.
 #include <fuzzer/FuzzedDataProvider.h>
 
-#include <unistd.h>
-
 #include <cstdint>
-#include <cstdio>
-#include <filesystem>
 #include <string>
 #include <vector>
 
-#include "frame/units.h"
+#include "files.h"
 #include "require.h"
 #include "vek.h"
-
-namespace {
-
-// The lines of a file as a line-oriented reader sees them.
-std::vector<std::string> lines_of(const std::string& bytes) {
-  std::vector<std::string> lines;
-  size_t start = 0;
-  while (start < bytes.size()) {
-    size_t end = bytes.find('\n', start);
-    if (end == std::string::npos) end = bytes.size();
-    std::string line = bytes.substr(start, end - start);
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    lines.push_back(line);
-    start = end + 1;
-  }
-  return lines;
-}
-
-const std::string& scratch_file() {
-  static const std::string path =
-      (std::filesystem::temp_directory_path() / ("vek_fuzz_record_" + std::to_string(getpid()))).string();
-  return path;
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   FuzzedDataProvider in(data, size);
@@ -54,17 +25,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   x04acf_(&unit, missing.data(), &read_mode, &ifail, static_cast<int64_t>(missing.size()));
   FUZZ_REQUIRE(ifail == 2);
 
-  if (std::FILE* f = std::fopen(scratch_file().c_str(), "wb")) {
-    std::fwrite(bytes.data(), 1, bytes.size(), f);
-    std::fclose(f);
-  } else {
-    return 0;
-  }
+  const std::string path = vek_fuzz::scratch_file("vek_fuzz_record", bytes);
+  if (path.empty()) return 0;
   ifail = 1;
-  x04acf_(&unit, scratch_file().data(), &read_mode, &ifail, static_cast<int64_t>(scratch_file().size()));
+  x04acf_(&unit, path.data(), &read_mode, &ifail, static_cast<int64_t>(path.size()));
   FUZZ_REQUIRE(ifail == 0);
 
-  const std::vector<std::string> expected = lines_of(bytes);
+  const std::vector<std::string> expected = vek_fuzz::lines_of(bytes);
   std::string recin(static_cast<size_t>(recin_len), '?');
   for (const std::string& line : expected) {
     ifail = 1;
