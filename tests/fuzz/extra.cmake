@@ -7,19 +7,9 @@ if(VEK_FUZZ AND NOT VEK_SANITIZE)
   if(NOT VEK_CLANGXX)
     message(STATUS "clang++ not found: the fuzzers are not built")
   else()
-    include(ExternalProject)
-    cmake_host_system_information(RESULT vek_fuzz_jobs QUERY NUMBER_OF_LOGICAL_CORES)
+    include(${PROJECT_SOURCE_DIR}/cmake/VekClangSubproject.cmake)
     set(vek_fuzz_dir ${PROJECT_BINARY_DIR}/fuzz)
-    ExternalProject_Add(vek_fuzzers
-      SOURCE_DIR ${CMAKE_CURRENT_LIST_DIR}
-      BINARY_DIR ${vek_fuzz_dir}
-      CMAKE_GENERATOR ${CMAKE_GENERATOR}
-      CMAKE_ARGS -DCMAKE_CXX_COMPILER=${VEK_CLANGXX} -DVEK_SOURCE_DIR=${PROJECT_SOURCE_DIR}
-                 -DVEK_BINARY_DIR=${PROJECT_BINARY_DIR}
-      BUILD_COMMAND ${CMAKE_COMMAND} --build ${vek_fuzz_dir} -j ${vek_fuzz_jobs}
-      BUILD_ALWAYS ON
-      INSTALL_COMMAND ""
-      DEPENDS vek_generated)
+    vek_clang_subproject(vek_fuzzers ${CMAKE_CURRENT_LIST_DIR} ${vek_fuzz_dir} ${VEK_CLANGXX} vek_generated)
 
     # Inputs per test run: each fuzzer takes a few seconds (the options file goes through a file on a unit).
     set(vek_fuzz_runs error_buffer=60000 char_value=60000 units_record=2000 printer_format=8000

@@ -13,19 +13,10 @@ if(VEK_TSAN AND NOT VEK_SANITIZE)
   if(NOT vek_archer)
     message(STATUS "clang++ with libomp's Archer tool not found: no ThreadSanitizer build of the threading tests")
   else()
-    include(ExternalProject)
-    cmake_host_system_information(RESULT vek_tsan_jobs QUERY NUMBER_OF_LOGICAL_CORES)
+    include(${PROJECT_SOURCE_DIR}/cmake/VekClangSubproject.cmake)
     set(vek_tsan_dir ${PROJECT_BINARY_DIR}/threads-tsan)
-    ExternalProject_Add(vek_threads_tsan
-      SOURCE_DIR ${CMAKE_CURRENT_LIST_DIR}/tsan
-      BINARY_DIR ${vek_tsan_dir}
-      CMAKE_GENERATOR ${CMAKE_GENERATOR}
-      CMAKE_ARGS -DCMAKE_CXX_COMPILER=${VEK_TSAN_CLANGXX} -DVEK_SOURCE_DIR=${PROJECT_SOURCE_DIR}
-                 -DVEK_BINARY_DIR=${PROJECT_BINARY_DIR}
-      BUILD_COMMAND ${CMAKE_COMMAND} --build ${vek_tsan_dir} -j ${vek_tsan_jobs}
-      BUILD_ALWAYS ON
-      INSTALL_COMMAND ""
-      DEPENDS vek_generated vek_openblas)
+    vek_clang_subproject(vek_threads_tsan ${CMAKE_CURRENT_LIST_DIR}/tsan ${vek_tsan_dir} ${VEK_TSAN_CLANGXX}
+                         vek_generated vek_openblas)
     # The runtime itself is not instrumented: Archer's annotations stand for its synchronisation, and its own
     # accesses are not checked (ignore_noninstrumented_modules, as Archer asks).
     set(vek_tsan_environment OMP_TOOL_LIBRARIES=${vek_archer} KMP_WARNINGS=0
