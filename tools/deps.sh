@@ -7,6 +7,7 @@ packages=(
   libopenblas64-openmp-dev libblas64-test liblapack64-test liblapacke-dev liblapack64-3 liblapack-doc
   libgsl-dev
   libboost-dev
+  clang-14 libclang-rt-14-dev libomp-14-dev
 )
 missing=()
 for p in "${packages[@]}"; do

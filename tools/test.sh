@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
-# Installs what is missing, then builds and runs every test: the release build (tests, examples, and the
-# benchmarks run briefly), then the AddressSanitizer + UndefinedBehaviorSanitizer build of the tests.
+# Installs what is missing, then builds and runs every test: the release build (tests, examples, the
+# benchmarks run briefly, and, built with clang beside it, the parsers' fuzzers run for a fixed number of
+# inputs and the threading tests under ThreadSanitizer), then the AddressSanitizer + UndefinedBehaviorSanitizer
+# build of the tests.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 tools/deps.sh

@@ -1,5 +1,6 @@
 #include "frame/error_buffer.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 
@@ -45,7 +46,13 @@ std::string ErrorBuffer::header(int64_t ifail, int64_t msgno, size_t count) {
 
 void IntValue::append(std::string& fields, int64_t v) { fields += text::fixed_int(v, 20) + kSep; }
 void RealValue::append(std::string& fields, double v) { fields += text::real_text(v) + kSep; }
-void append_text(std::string& fields, std::string_view v, int64_t limit) { fields += show_value(v, limit) + kSep; }
+// A separator byte inside a character value would split its field and turn the report into an unexpected
+// error; it is shown as a blank.
+void append_text(std::string& fields, std::string_view v, int64_t limit) {
+  std::string shown = show_value(v, limit);
+  std::replace(shown.begin(), shown.end(), kSep, ' ');
+  fields += shown + kSep;
+}
 
 void ErrorBuffer::store(int64_t ifail, const std::string& fields) {
   *ierr_ = ifail;

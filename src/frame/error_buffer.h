@@ -27,7 +27,8 @@ inline constexpr int64_t kAllocationFailed = -999;
 // leaves the leading blanks in place.
 std::string show_value(std::string_view value, int64_t limit, bool keep_leading = false);
 
-// Appends a text value as show_value shows it, followed by the separator.
+// Appends a text value as show_value shows it (a separator byte in it shown as a blank), followed by the
+// separator.
 void append_text(std::string& fields, std::string_view v, int64_t limit);
 
 // How each kind of message value enters the buffer; a declared message lists one per value, and fail()

@@ -64,6 +64,25 @@ TEST(ErrorBuffer, WriterLayoutIsWhatTheParserReads) {
   EXPECT_EQ(p.lines[6], std::string(80, ' '));
 }
 
+// A character value holding the separator byte keeps its own field (found by fuzzing: the byte split the
+// field and the report became an unexpected error).
+TEST(ErrorBuffer, SeparatorByteInsideACharacterValue) {
+  char buf[200];
+  int64_t ierr = 0;
+  vek::frame::ErrorBuffer err(buf, 200, &ierr);
+  err.fail(vek::frame::Msg<vek::frame::TextValue<80>, vek::frame::IntValue>{2, 99998}, std::string{'A', S, 'B', S},
+           int64_t{4});
+  Parsed p = parse(std::string(buf, 200));
+  EXPECT_EQ(p.status, 0);
+  EXPECT_EQ(trimmed(p.lines[3]), "A B");
+  EXPECT_EQ(trimmed(p.lines[4]), "4");
+  err.fail(vek::frame::Msg<vek::frame::LetterValue>{2, 99997}, std::string{S, 'x'});
+  p = parse(std::string(buf, 200));
+  EXPECT_EQ(p.status, 0);
+  EXPECT_EQ(p.msgno, 99997);
+  EXPECT_EQ(trimmed(p.lines[2]), "1");
+}
+
 TEST(ErrorBuffer, ParserStatus) {
   // Not starting with the separator, closing with something else, or nothing but a separator: -1000.
   EXPECT_EQ(parse(padded("    1")).status, -1000);

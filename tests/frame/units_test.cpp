@@ -122,6 +122,11 @@ TEST(Units, OpenFailuresAndMessages) {
                    " ** ABNORMAL EXIT from VEK Library routine X04ACF: IFAIL =     2",
                    " ** VEK soft failure - control returned"}));
   EXPECT_EQ(open_file(11, "/nonexistent-dir/out.dat", 1), 3);
+  // A name holding the error buffer's separator byte still gets its own report (IFAIL 2, not -99).
+  EXPECT_EQ(console_lines([] { open_file(11, std::string("/nonexistent-dir/a\x01" "b"), 0, -1); }),
+            (Lines{" ** Cannot open file '/nonexistent-dir/a b' for reading on channel", " ** 11.",
+                   " ** ABNORMAL EXIT from VEK Library routine X04ACF: IFAIL =     2",
+                   " ** VEK soft failure - control returned"}));
   // A long name is cut with "..." so that the record fits; the unit stands on its own record.
   const std::string long_name = "/nonexistent-dir/" + std::string(983, 'n');
   const Lines lines = console_lines([&] { open_file(12, long_name, 2, -1); });
