@@ -86,7 +86,7 @@ def check_to_python(expr: str) -> str:
         elif kind == "num":
             out.append(f"CInt({tok})" if re.fullmatch(r"\d+", tok) else tok)
         else:
-            out.append(tok)
+            out.append(f" {tok} ")
     return "".join(out)
 
 

@@ -5,7 +5,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <execinfo.h>
+
 #include <cstdio>
+#include <exception>
 #include <cstring>
 #include <fstream>
 #include <sstream>
@@ -68,7 +71,7 @@ void run_allocation_failures(const RoutineDesc& d, const Case& c, int fd, int ti
     alarm(static_cast<unsigned>(timeout));
     auto found = run_case(d, c, at, &out);
     alarm(0);
-    if (out.ifail != -999)
+    if (d.ifail && out.ifail != -999)
       found.push_back({"alloc", "allocation " + std::to_string(at) + " of " + std::to_string(n) +
                                     " failed and IFAIL = " + std::to_string(out.ifail)});
     if (out.live != 0)
@@ -78,6 +81,15 @@ void run_allocation_failures(const RoutineDesc& d, const Case& c, int fd, int ti
   }
 }
 
+// An exception escaping an entry ends the process: say so, with the frames that let it escape.
+[[noreturn]] void on_terminate() {
+  static const char text[] = "sweep: an exception escaped the call (std::terminate); frames:\n";
+  if (write(2, text, sizeof text - 1) < 0) _exit(4);
+  void* frames[24];
+  backtrace_symbols_fd(frames, backtrace(frames, 24), 2);
+  std::abort();
+}
+
 [[noreturn]] void child(const RoutineDesc& d, const std::vector<Case>& calls, std::size_t from, int fd,
                         const BatchOptions& opt) {
   int null_fd = open("/dev/null", O_RDWR);
@@ -85,6 +97,7 @@ void run_allocation_failures(const RoutineDesc& d, const Case& c, int fd, int ti
   dup2(null_fd, 1);
   int err = open(opt.stderr_path.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
   if (err >= 0) dup2(err, 2);
+  std::set_terminate(on_terminate);
   if (opt.allocation_failures) {
     run_allocation_failures(d, calls[0], fd, opt.timeout_seconds);
   } else {
@@ -202,6 +215,8 @@ BatchResult run_routine(const RoutineDesc& d, const std::vector<Case>& calls, co
     if (err.find("Sanitizer") != std::string::npos || err.find("runtime error") != std::string::npos) {
       e.kind = "sanitizer";
       e.detail += sanitizer_excerpt(err);
+    } else if (auto at = err.find("sweep: an exception"); at != std::string::npos) {
+      e.detail += "\n      " + err.substr(at, 1200);
     }
     result.events.push_back(e);
     next = static_cast<std::size_t>(current + 1);

@@ -1,5 +1,7 @@
 #include "known.h"
 
+#include <fnmatch.h>
+
 #include <fstream>
 #include <sstream>
 
@@ -21,10 +23,23 @@ std::vector<KnownFailure> read_known_failures(const std::string& path) {
   return out;
 }
 
+namespace {
+bool kind_listed(const std::string& kinds, const std::string& kind) {
+  std::istringstream in(kinds);
+  std::string k;
+  while (std::getline(in, k, ','))
+    if (k == kind) return true;
+  return false;
+}
+}  // namespace
+
 const KnownFailure* find_known(const std::vector<KnownFailure>& list, const std::string& routine,
-                               const std::string& kind, const std::string& varied) {
-  for (const KnownFailure& k : list)
-    if (k.routine == routine && k.kind == kind && (k.varied.empty() || k.varied == varied)) return &k;
+                               const std::string& kind, const std::string& varied, const std::string& call) {
+  for (const KnownFailure& k : list) {
+    if (fnmatch(k.routine.c_str(), routine.c_str(), 0) != 0 || !kind_listed(k.kind, kind)) continue;
+    const bool value = k.varied.find('=') != std::string::npos;
+    if (k.varied.empty() || (value ? call.find(k.varied) != std::string::npos : k.varied == varied)) return &k;
+  }
   return nullptr;
 }
 

@@ -1,6 +1,8 @@
 // The committed list of failures the sweep tolerates while their fixes are pending: one per line,
-// "<routine> <kind> [<argument>]", where <argument> is the argument the call made hostile ("baseline" for the
-// baseline call); without it every call of that kind fails known.
+// "<routine> <kinds> [<argument>]". <routine> is a name or a shell pattern (f08x*), <kinds> one kind or several
+// joined by commas, <argument> the argument the call made hostile ("baseline", "allocation" for the
+// allocation-failure sweep), or a text holding '=' that the call's description must contain (UPLO='' ); without
+// it every call of those kinds is known.
 #pragma once
 
 #include <string>
@@ -15,6 +17,6 @@ struct KnownFailure {
 
 std::vector<KnownFailure> read_known_failures(const std::string& path);
 const KnownFailure* find_known(const std::vector<KnownFailure>& list, const std::string& routine,
-                               const std::string& kind, const std::string& varied);
+                               const std::string& kind, const std::string& varied, const std::string& call);
 
 }  // namespace sweep
