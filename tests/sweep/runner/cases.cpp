@@ -199,8 +199,9 @@ std::vector<Case> build_cases(const RoutineDesc& d, bool long_run) {
       add(c, "IFAIL");
     }
   }
-  // The default run samples a routine's calls evenly; the long run makes them all.
-  const std::size_t most = 60;
+  // The default run samples a routine's calls evenly, fewer where only small sizes can be tried; the long run
+  // makes them all.
+  const std::size_t most = has_unknown_lengths(d) ? 30 : 60;
   if (!long_run && out.size() > most) {
     std::vector<Case> sample;
     for (std::size_t n = 0; n < most; ++n) sample.push_back(out[n * out.size() / most]);

@@ -1,6 +1,6 @@
 // The hostile-input sweep over every declared routine, and (with --alloc) the allocation-failure sweep.
 //
-//   vek_sweep [--long] [--alloc] [--print-known] [--only=NAME,...] [--timeout=SECONDS] [--known=FILE]
+//   vek_sweep [--self-test] [--long] [--alloc] [--print-known] [--only=NAME,...] [--timeout=SECONDS] [--known=FILE]
 //
 // Environment: VEK_SWEEP_LONG=1 makes every call of every routine (the default samples at most 60 per
 // routine); VEK_SWEEP_ONLY and VEK_SWEEP_TIMEOUT as the options. Exit status 1 when a failure is found that
@@ -23,7 +23,7 @@
 namespace {
 
 struct Options {
-  bool long_run = false, alloc = false, print_known = false;
+  bool long_run = false, alloc = false, print_known = false, self_test = false;
   std::set<std::string> only;
   int timeout = 5;
   std::string known;
@@ -45,6 +45,7 @@ Options read_options(int argc, char** argv) {
     if (a == "--long") o.long_run = true;
     else if (a == "--alloc") o.alloc = true;
     else if (a == "--print-known") o.print_known = true;
+    else if (a == "--self-test") o.self_test = true;
     else if (a.rfind("--only=", 0) == 0) only(a.substr(7));
     else if (a.rfind("--timeout=", 0) == 0) o.timeout = std::atoi(a.c_str() + 10);
     else if (a.rfind("--known=", 0) == 0) o.known = a.substr(8);
@@ -70,10 +71,14 @@ int main(int argc, char** argv) {
     setenv("VEK_SWEEP_SERIAL", "1", 1);
     setenv("OMP_NUM_THREADS", "1", 1);
     setenv("OPENBLAS_NUM_THREADS", "1", 1);
+    // Sanitizer reports unsymbolised (module and offset): symbolising each of hundreds of reports costs a
+    // second apiece. Set ASAN_OPTIONS to have them symbolised.
+    setenv("ASAN_OPTIONS", "symbolize=0", 0);
     execv("/proc/self/exe", argv);
     return 2;
   }
   const Options opt = read_options(argc, argv);
+  if (opt.self_test) return self_test(opt.timeout);
   const auto known = read_known_failures(opt.known);
   // The children run in a directory of their own: routines that open files by name create them there.
   char dir_template[] = "/tmp/vek_sweep_XXXXXX";
