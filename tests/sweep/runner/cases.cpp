@@ -192,7 +192,8 @@ std::vector<Case> build_cases(const RoutineDesc& d, bool long_run) {
     // The failure modes: every third call soft and printed, every third hard (run in a child of its own).
     const int64_t modes[] = {1, -1, 0};
     const int64_t two_digit[] = {1, 11, 10};
-    for (std::size_t n = 0; n < out.size(); ++n) out[n].ifail = (d.ifail == 2 ? two_digit : modes)[n % 3];
+    const int64_t* cycle = d.ifail == 2 ? two_digit : modes;
+    for (std::size_t n = 0; n < out.size(); ++n) out[n].ifail = cycle[n % 3];
     for (int64_t f : {int64_t{-1}, int64_t{0}, int64_t{5}}) {
       Case c = base;
       c.ifail = f;
