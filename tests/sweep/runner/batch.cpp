@@ -114,7 +114,7 @@ void run_allocation_failures(const RoutineDesc& d, const Case& c, int fd, int ti
     }
   }
 #ifdef SWEEP_LSAN
-  if (__lsan_do_recoverable_leak_check()) say(fd, "F " + std::to_string(calls.size()) + " leak LeakSanitizer report");
+  if (opt.leak_check && __lsan_do_recoverable_leak_check()) say(fd, "F " + std::to_string(calls.size()) + " leak LeakSanitizer report");
 #endif
   say(fd, "D");
   _exit(0);

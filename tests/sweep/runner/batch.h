@@ -21,9 +21,10 @@ struct BatchResult {
 };
 
 struct BatchOptions {
-  int timeout_seconds = 5;
+  int timeout_seconds = 2;
   std::string stderr_path;  // the children's error output (sanitizer reports), read back on a crash
   bool allocation_failures = false;  // make each allocation of the first call fail in turn
+  bool leak_check = false;           // LeakSanitizer over each child at its end (sanitizer build)
 };
 
 BatchResult run_routine(const RoutineDesc& d, const std::vector<Case>& calls, const BatchOptions& opt);
