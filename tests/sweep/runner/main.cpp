@@ -153,7 +153,7 @@ int main(int argc, char** argv) {
   if (opt.alloc) std::printf("  not swept for allocation failures: routines whose array lengths are not declared\n");
   for (const KnownFailure& k : known)
     if (!k.seen && (opt.only.empty() || opt.only.count(k.routine)) && !opt.alloc)
-      std::printf("  known failure not seen (fixed? remove it from the list): %s %s %s\n", k.routine.c_str(),
+      std::printf("  known failure not seen in this run (fixed, or invisible in this build?): %s %s %s\n", k.routine.c_str(),
                   k.kind.c_str(), k.varied.c_str());
   if (opt.print_known) {
     std::printf("\nthe new failures as lines of the known-failures list:\n");
