@@ -1,5 +1,6 @@
 #include "frame/entry.h"
 
+#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,10 +38,14 @@ std::string fill(std::string_view tmpl, const ParsedBuffer& p) {
   return out;
 }
 
-}  // namespace
+int64_t exit_with(ExitForm form, int64_t ifail_on_entry, int64_t ierr, const char* srname,
+                  std::span<const std::string> records) {
+  if (form == ExitForm::two_digit) return error_exit_two_digit(ifail_on_entry, ierr, srname, records);
+  return error_exit(ifail_on_entry, ierr, srname, records);
+}
 
-int64_t report_failure(int64_t ifail_on_entry, int64_t ierr, const char* errbuf, const char* srname,
-                       std::span<const Message> table, ExitForm form) {
+int64_t compose_and_exit(int64_t ifail_on_entry, int64_t ierr, const char* errbuf, const char* srname,
+                         std::span<const Message> table, ExitForm form) {
   std::vector<std::string> records;
   if (ierr == kAllocationFailed) {
     records.push_back(record("** Dynamic memory allocation failed."));
@@ -68,8 +73,29 @@ int64_t report_failure(int64_t ifail_on_entry, int64_t ierr, const char* errbuf,
       ierr = kUnexpectedError;
     }
   }
-  if (form == ExitForm::two_digit) return error_exit_two_digit(ifail_on_entry, ierr, srname, records);
-  return error_exit(ifail_on_entry, ierr, srname, records);
+  return exit_with(form, ifail_on_entry, ierr, srname, records);
+}
+
+}  // namespace
+
+int64_t report_failure(int64_t ifail_on_entry, int64_t ierr, const char* errbuf, const char* srname,
+                       std::span<const Message> table, ExitForm form) {
+  // Composing the records takes memory; when there is none left the failure being reported has become an
+  // allocation failure, reported with its own record if that still fits, else with none.
+  try {
+    return compose_and_exit(ifail_on_entry, ierr, errbuf, srname, table, form);
+  } catch (const std::bad_alloc&) {
+  }
+  try {
+    const std::string records[] = {record("** Dynamic memory allocation failed.")};
+    return exit_with(form, ifail_on_entry, kAllocationFailed, srname, records);
+  } catch (const std::bad_alloc&) {
+  }
+  try {
+    return exit_with(form, ifail_on_entry, kAllocationFailed, srname, {});
+  } catch (const std::bad_alloc&) {
+    return kAllocationFailed;
+  }
 }
 
 void report_illegal(const char* records, const char* routine, int64_t number, int64_t value) {

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <new>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -90,13 +91,18 @@ class ErrorBuffer {
     return false;
   }
 
-  // Records the failure `m` with its values, which must match the declaration in number and kind.
+  // Records the failure `m` with its values, which must match the declaration in number and kind. Writing
+  // the values takes memory: without it the failure becomes an allocation failure.
   template <class... Kinds, class... Args>
     requires(sizeof...(Kinds) == sizeof...(Args) && (Kinds::template accepts<Args> && ...))
   void fail(const Msg<Kinds...>& m, const Args&... values) {
-    std::string fields = header(m.ifail, m.msgno, sizeof...(Kinds));
-    (Kinds::append(fields, values), ...);
-    store(m.ifail, fields);
+    try {
+      std::string fields = header(m.ifail, m.msgno, sizeof...(Kinds));
+      (Kinds::append(fields, values), ...);
+      store(m.ifail, fields);
+    } catch (const std::bad_alloc&) {
+      fail_allocation();
+    }
   }
   void fail_allocation() { *ierr_ = kAllocationFailed; }
   int64_t ierr() const { return *ierr_; }
