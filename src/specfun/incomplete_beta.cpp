@@ -3,7 +3,9 @@
 // The continued fraction of I_x(a, b) (Abramowitz & Stegun 26.5.8), evaluated by the modified Lentz method,
 // converges quickly for x < (a + 1)/(a + b + 2); beyond, I_y(b, a) with y = 1 - x is evaluated and gives the
 // complement. When that side's value is the larger one the other side is evaluated as well, so both results
-// keep their relative accuracy. Should the fraction not converge, the normal approximation is returned, flagged.
+// keep their relative accuracy. For a, b >= 100 near the mean, where the fraction cancels and converges slowly,
+// Temme's uniform asymptotic expansion (incomplete_beta_asymptotic.cpp). Should the fraction not converge, the
+// normal approximation is returned, flagged.
 // The power term x^a y^b / B(a, b) is, for a, b >= 10, sqrt(ab / 2pi c) exp(-a D(u) - b D(v) + stirling
 // terms) with c = a + b, u = (x c - a)/a, v = -a u / b, D(u) = u - ln(1 + u) (the form in which the large
 // logarithms cancel analytically); otherwise x^a y^b / B(a, b) by pow, or by logarithms where it would underflow.
