@@ -3,7 +3,9 @@
 // The continued fraction of I_x(a, b) (Abramowitz & Stegun 26.5.8), evaluated by the modified Lentz method,
 // converges quickly for x < (a + 1)/(a + b + 2); beyond, I_y(b, a) with y = 1 - x is evaluated and gives the
 // complement. When that side's value is the larger one the other side is evaluated as well, so both results
-// keep their relative accuracy. Should the fraction not converge, the normal approximation is returned, flagged.
+// keep their relative accuracy. For a, b >= 100 near the mean, where the fraction cancels and converges slowly,
+// Temme's uniform asymptotic expansion (incomplete_beta_asymptotic.cpp). Should the fraction not converge, the
+// normal approximation is returned, flagged.
 // The power term x^a y^b / B(a, b) is, for a, b >= 10, sqrt(ab / 2pi c) exp(-a D(u) - b D(v) + stirling
 // terms) with c = a + b, u = (x c - a)/a, v = -a u / b, D(u) = u - ln(1 + u) (the form in which the large
 // logarithms cancel analytically); otherwise x^a y^b / B(a, b) by pow, or by logarithms where it would underflow.
@@ -16,6 +18,7 @@
 #include <numbers>
 
 #include "frame/constants.h"
+#include "specfun/incomplete_beta_asymptotic.h"
 #include "specfun/log1pmx.h"
 #include "specfun/specfun.h"
 
@@ -26,6 +29,13 @@ constexpr double kEps = vek::constants::eps();
 constexpr double kTinyDenominator = 1e-300;
 // Parameters at most this (relative to the other, when that exceeds 1) take the tiny-parameter forms.
 constexpr double kTiny = 1e-5;
+// Temme's expansion is used for a, b >= kAsymptoticMin and |a - (a + b) x| <= kAsymptoticWidth min(a, b)
+// (DiDonato and Morris's region; the fraction converges slowly and cancels there).
+constexpr double kAsymptoticMin = 100.0;
+constexpr double kAsymptoticWidth = 0.03;
+// The largest absolute difference between 1 - I and the separately evaluated complement that is accepted
+// (I is within 32 ulps, so 1 - I is within 4e-15 of it).
+constexpr double kComplementAgreement = 1e-13;
 
 // -a D(u), D(u) = u - ln(1 + u), where a u = a_u and 1 + u = ratio = t c / a for the variable t (x or y) of this
 // term: the series where it has no cancellation; else, when t <= 1/2 (then t is exact, while the other of x, y
@@ -190,6 +200,19 @@ BetaInc beta_inc_pair(double a, double b, double x) {
   }
   if (a == b && x == 0.5) return {0.5, 0.5, true};  // by symmetry, however large a is
   const double y = 1.0 - x;
+  // Both parameters large and x near the mean (lambda = a - (a + b) x small against them): Temme's expansion,
+  // for the side at or below the mean, the other as its complement (that side is not below about 0.4).
+  if (std::min(a, b) >= kAsymptoticMin) {
+    const long double lambda = beta_inc_lambda(a, b, x, y);
+    if (std::fabs(lambda) <= kAsymptoticWidth * std::min(a, b)) {
+      if (lambda >= 0.0L) {
+        const double w = beta_inc_asymptotic(a, b, lambda);
+        return {w, 0.5 + (0.5 - w), true};
+      }
+      const double w1 = beta_inc_asymptotic(b, a, -lambda);
+      return {0.5 + (0.5 - w1), w1, true};
+    }
+  }
   // The fraction is evaluated on the side where it converges fast; when that side is the larger value (as
   // can happen for small a, b), the other side is evaluated as well.
   const bool lower = x < (a + 1.0) / (a + b + 2.0);
@@ -197,13 +220,16 @@ BetaInc beta_inc_pair(double a, double b, double x) {
   const double first = lower ? fraction(a, b, x, y, converged) : fraction(b, a, y, x, converged);
   if (!converged) return normal_approximation(a, b, x);
   double second = 1.0 - first;
-  const double fast_a = lower ? a : b, fast_b = lower ? b : a, fast_x = lower ? x : y;
-  if (first > 0.5 && fast_a <= kTiny * std::max(fast_b, 1.0)) {
-    second = complement_tiny_a(fast_a, fast_b, fast_x);
-  } else if (first > 0.5) {
+  if (first > 0.5) {
+    const double fast_a = lower ? a : b, fast_b = lower ? b : a, fast_x = lower ? x : y;
     bool other_converged = true;
-    const double other = lower ? fraction(b, a, y, x, other_converged) : fraction(a, b, x, y, other_converged);
-    if (other_converged) second = other;
+    const double other = fast_a <= kTiny * std::max(fast_b, 1.0) ? complement_tiny_a(fast_a, fast_b, fast_x)
+                         : lower ? fraction(b, a, y, x, other_converged)
+                                 : fraction(a, b, x, y, other_converged);
+    // Taken only where it agrees with 1 - first to first's absolute accuracy: for one parameter huge and the
+    // other below 100 near the mean, the slow side's fraction can stop on a value far off, and the series of
+    // complement_tiny_a cancels once b x is large.
+    if (other_converged && std::fabs(other - second) <= kComplementAgreement) second = other;
   }
   return lower ? BetaInc{first, second, true} : BetaInc{second, first, true};
 }

@@ -483,6 +483,13 @@ def incomplete_beta_tables(rng):
         m = mp.mpf(a) / (a + b)
         x = d(m + more.uniform(-5, 5) * mp.sqrt(m * (1 - m) / (a + b + 1)))
         rows.append(("huge", (a, b, x), tails_by_quadrature(a, b, x)))
+    beyond = random.Random(SEED + 5)
+    for _ in range(30):  # a, b from 1e16 to 1e28, a/b up to 1e6 either way, within 5 standard deviations
+        a = d(10 ** beyond.uniform(16, 28))
+        b = d(a * 10 ** beyond.uniform(-6, 6))
+        m = mp.mpf(a) / (a + b)
+        x = d(m + beyond.uniform(-5, 5) * mp.sqrt(m * (1 - m) / (a + b + 1)))
+        rows.append(("beyond", (a, b, x), tails_by_quadrature(a, b, x)))
     write("beta_inc", "I_x(a, b) and 1 - I_x(a, b)", rows)
 
 
