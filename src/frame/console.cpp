@@ -3,7 +3,7 @@
 #include <dlfcn.h>
 
 #include <cstdio>
-#include <string>
+#include <cstring>
 
 namespace vek::console {
 namespace {
@@ -25,21 +25,38 @@ HostPrint host_print() {
 
 }  // namespace
 
-void write_line(std::string_view line) {
-  if (HostPrint print = host_print()) {
-    std::string format;
-    format.reserve(line.size() + 8);
-    for (char c : line) {
-      if (c == '%') format += "%%";
-      else format += (c == '\0' ? ' ' : c);  // a NUL would end the format early
-    }
-    format += '\n';
-    print(format.c_str());
+void put_line(std::FILE* file, std::string_view line) {
+  char buf[1024];
+  if (line.size() < sizeof buf) {
+    std::memcpy(buf, line.data(), line.size());
+    buf[line.size()] = '\n';
+    std::fwrite(buf, 1, line.size() + 1, file);
     return;
   }
-  std::string record(line);
-  record += '\n';
-  std::fwrite(record.data(), 1, record.size(), stdout);
+  std::fwrite(line.data(), 1, line.size(), file);
+  std::fputc('\n', file);
+}
+
+void write_line(std::string_view line) {
+  if (HostPrint print = host_print()) {
+    // '%' doubled, as the host takes a format; sent in pieces of a fixed buffer, the newline with the last.
+    char format[512];
+    size_t k = 0;
+    for (char c : line) {
+      if (k + 3 >= sizeof format) {
+        format[k] = '\0';
+        print(format);
+        k = 0;
+      }
+      if (c == '%') format[k++] = '%';
+      format[k++] = c == '\0' ? ' ' : c;  // a NUL would end the format early
+    }
+    format[k++] = '\n';
+    format[k] = '\0';
+    print(format);
+    return;
+  }
+  put_line(stdout, line);
   std::fflush(stdout);
 }
 

@@ -100,16 +100,26 @@ int64_t report_failure(int64_t ifail_on_entry, int64_t ierr, const char* errbuf,
 
 void report_illegal(const char* records, const char* routine, int64_t number, int64_t value) {
   const int64_t nerr = units::error_unit();
-  for (std::string_view rest(records);;) {
-    const size_t end = std::min(rest.find('\n'), rest.size());
-    std::string line = record(rest.substr(0, end));
-    for (auto [key, text] : {std::pair<std::string_view, std::string>{"{ROUTINE}", routine},
-                             {"{NUMBER}", text::int_text(number)}, {"{VALUE}", text::int_text(value)}}) {
-      if (const size_t at = line.find(key); at != std::string::npos) line.replace(at, key.size(), text);
+  auto each_record = [records](auto&& write) {
+    for (std::string_view rest(records);;) {
+      const size_t end = std::min(rest.find('\n'), rest.size());
+      write(rest.substr(0, end));
+      if (end == rest.size()) break;
+      rest.remove_prefix(end + 1);
     }
-    units::write_record(nerr, line);
-    if (end == rest.size()) break;
-    rest.remove_prefix(end + 1);
+  };
+  try {
+    each_record([&](std::string_view text) {
+      std::string line = record(text);
+      for (auto [key, value_text] : {std::pair<std::string_view, std::string>{"{ROUTINE}", routine},
+                                     {"{NUMBER}", text::int_text(number)}, {"{VALUE}", text::int_text(value)}}) {
+        if (const size_t at = line.find(key); at != std::string::npos) line.replace(at, key.size(), value_text);
+      }
+      units::write_record(nerr, line);
+    });
+  } catch (const std::bad_alloc&) {
+    // No memory for the substitutions (a routine without IFAIL cannot say -999): the records as declared.
+    each_record([&](std::string_view text) { units::write_record(nerr, text); });
   }
 }
 

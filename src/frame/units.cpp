@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <map>
 #include <mutex>
+#include <new>
 #include <string>
 
 #include "frame/console.h"
@@ -23,11 +24,16 @@ struct OpenFile {
 // The file table is guarded so that a badly behaved caller (two threads opening units at once) cannot corrupt
 // it; the unit numbers above are plain settings, as documented.
 std::mutex g_files_mutex;
-// Never destroyed: a thread may still write a record while another stops the process.
-std::map<int64_t, OpenFile>& files() {
-  static auto* table = new std::map<int64_t, OpenFile>;
-  return *table;
+// Never destroyed, as a thread may still write a record while another stops the process; built in static
+// storage rather than from the heap, so that nothing allocated stays behind.
+template <class T>
+T& immortal() {
+  alignas(T) static unsigned char storage[sizeof(T)];
+  static T* object = new (storage) T;
+  return *object;
 }
+
+std::map<int64_t, OpenFile>& files() { return immortal<std::map<int64_t, OpenFile>>(); }
 
 bool is_console(int64_t unit) { return unit == 0 || unit == kConsole; }
 
@@ -63,10 +69,7 @@ bool close(int64_t unit) {
   return ok;
 }
 
-std::unique_lock<std::recursive_mutex> hold_output() {
-  static auto* output_mutex = new std::recursive_mutex;
-  return std::unique_lock(*output_mutex);
-}
+std::unique_lock<std::recursive_mutex> hold_output() { return std::unique_lock(immortal<std::recursive_mutex>()); }
 
 void write_record(int64_t unit, std::string_view record) {
   if (unit < 0) return;
@@ -78,9 +81,7 @@ void write_record(int64_t unit, std::string_view record) {
     std::lock_guard lock(g_files_mutex);
     auto it = files().find(unit);
     if (it != files().end() && it->second.mode != Mode::read) {
-      std::string line(body);
-      line += '\n';
-      std::fwrite(line.data(), 1, line.size(), it->second.file);
+      console::put_line(it->second.file, body);
       return;
     }
   }

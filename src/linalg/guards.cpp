@@ -162,7 +162,7 @@ bool any_nonfinite(std::initializer_list<Region> in) {
   return std::any_of(in.begin(), in.end(), [](const Region& r) { return r.nonfinite(); });
 }
 
-void report(std::string_view published, int64_t position) { argument_error(report_name(published), position); }
+void report(std::string_view published, int64_t position) { argument_error(report_name(published).view(), position); }
 
 bool letter_ok(char letter, const char* allowed) {
   const char up = static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
