@@ -137,6 +137,9 @@ double complement_tiny_a(double a, double b, double x) {
 }
 
 // I_x(a, b) by the continued fraction, for x below the mean-like point (a + 1)/(a + b + 2).
+constexpr double kGammaLimitSmall = 100.0;
+constexpr double kGammaLimitRatio = 1e9;
+
 double fraction(double a, double b, double x, double y, bool& converged) {
   // Near the mean the fraction needs about 4.5 max(a, b)^(1/3) terms (850000 at a = b = 1e16); beyond the
   // bound the normal approximation, whose error (a + b)^(-1/2) is as small as the fraction's there, is used.
@@ -189,7 +192,9 @@ BetaInc normal_approximation(double a, double b, double x) {
 
 }  // namespace
 
-BetaInc beta_inc_pair(double a, double b, double x) {
+namespace {
+
+BetaInc beta_inc_unclamped(double a, double b, double x) {
   constexpr double nan = std::numeric_limits<double>::quiet_NaN();
   if (!(a > 0.0) || !(b > 0.0) || !(x >= 0.0 && x <= 1.0)) return {nan, nan, true};
   if (x == 0.0) return {0.0, 1.0, true};
@@ -213,6 +218,17 @@ BetaInc beta_inc_pair(double a, double b, double x) {
       return {0.5 + (0.5 - w1), w1, true};
     }
   }
+  // One parameter below 100 and the other beyond 1e9 times it: the gamma limit, I_x(a, b) = P(a, w) with
+  // w = -(b + (a - 1)/2) ln(1 - x), whose error falls as b^-2 (there the fraction in 1 - x would lose x's
+  // digits near the mean).
+  if (std::min(a, b) < kGammaLimitSmall && std::max(a, b) >= kGammaLimitRatio * std::max(std::min(a, b), 1.0)) {
+    if (b > a) {
+      const GammaPQ g = gamma_pq(a, (b + 0.5 * (a - 1.0)) * -std::log1p(-x));
+      return {g.p, g.q, g.converged};
+    }
+    const GammaPQ g = gamma_pq(b, (a + 0.5 * (b - 1.0)) * -std::log(x));
+    return {g.q, g.p, g.converged};
+  }
   // The fraction is evaluated on the side where it converges fast; when that side is the larger value (as
   // can happen for small a, b), the other side is evaluated as well.
   const bool lower = x < (a + 1.0) / (a + b + 2.0);
@@ -232,6 +248,19 @@ BetaInc beta_inc_pair(double a, double b, double x) {
     if (other_converged && std::fabs(other - second) <= kComplementAgreement) second = other;
   }
   return lower ? BetaInc{first, second, true} : BetaInc{second, first, true};
+}
+
+}  // namespace
+
+// Results rounded a hair beyond [0, 1] (W = 1 + ulp where the true value is within an ulp of 1) are brought
+// back; NaN stays NaN.
+BetaInc beta_inc_pair(double a, double b, double x) {
+  BetaInc r = beta_inc_unclamped(a, b, x);
+  for (double* v : {&r.w, &r.w1}) {
+    if (*v > 1.0) *v = 1.0;
+    if (*v < 0.0) *v = 0.0;
+  }
+  return r;
 }
 
 double beta_inc(double a, double b, double x) { return beta_inc_pair(a, b, x).w; }

@@ -80,7 +80,7 @@ const std::vector<Routine>& routines() {
        both_infinite},
       {"s14bbf", 3, {0, 1, 2, 3, 4},
        [](const auto& v, int64_t* f) { return s14bbf_(&v[0], &v[1], &v[2], f); }, never},
-      {"s14ccf", 3, {0, 1, 2, 3, 4},
+      {"s14ccf", 3, {0, 1, 2, 3},
        [](const auto& v, int64_t* f) {
          double w = 0, w1 = 0;
          s14ccf_(&v[0], &v[1], &v[2], &w, &w1, f);

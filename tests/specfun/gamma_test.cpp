@@ -147,6 +147,31 @@ TEST(GammaFamily, NonConvergenceAndHugeParameters) {
   const double z = (third - 1.0L / 3.0L) / sd;
   EXPECT_NEAR(w, 0.5 * std::erfc(-z / std::sqrt(2.0)), 1e-9);
   EXPECT_NEAR(w + w1, 1.0, 1e-15);
+  // One parameter below 100 and the other beyond 1e9 times it: the gamma limit. References: mpmath at 40
+  // digits for the double arguments (its hypergeometric series fails for the 1e104 case, whose mean is 9.8e-104
+  // and deviation 1.5e-104: there the value must at least be a probability near Phi(0.27) = 0.6).
+  const double gamma_limit[][4] = {{50, 1e12, 5.1e-11, 0.57439485965628927813},
+                                   {2.5, 3e10, 1e-10, 0.69378108163050857639},
+                                   {0.5, 1e20, 3e-21, 0.56142197391900013813},
+                                   {1e12, 50, 1 - 5.1e-11, 0.42560612371737316432}};
+  for (const auto& g : gamma_limit) {
+    double ga = g[0], gb = g[1], gx = g[2];
+    int64_t f = 1;
+    s14ccf_(&ga, &gb, &gx, &w, &w1, &f);
+    EXPECT_EQ(f, 0);
+    EXPECT_NEAR(w, g[3], 8 * 0x1p-52 * g[3]) << ga << " " << gb;
+  }
+  double a44 = 44, b104 = 4.5e104, x103 = 1.018e-103;
+  int64_t f44 = 1;
+  s14ccf_(&a44, &b104, &x103, &w, &w1, &f44);
+  EXPECT_EQ(f44, 0);
+  EXPECT_NEAR(w, 0.625, 0.05);
+  EXPECT_NEAR(w + w1, 1.0, 1e-15);
+  // Probabilities stay in [0, 1]: a huge against b near 2000 with x one ulp below 1 once gave 1 + ulp.
+  double a18 = 5.0513461283900549e+18, b1915 = 1915.3472216727857, x_near1 = 0.99999999999999956;
+  s14ccf_(&a18, &b1915, &x_near1, &w, &w1, &f44);
+  EXPECT_LE(w, 1.0);
+  EXPECT_GE(w1, 0.0);
   // One parameter below 100, the other beyond 1e180, x near the mean: the complement was once -3.8e54 and 1.2e45
   // (a slow-side evaluation taken without checking it against 1 - I_x).
   for (const auto& [a, b, x] : {std::tuple{84.63327545045827, 4.983147419136874e+207, 1.6983899598362178e-206},
