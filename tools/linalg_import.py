@@ -293,10 +293,10 @@ GUARDS = {
 
 
 def guard_line(published: str) -> str | None:
-    spec = GUARDS.get(published) or GUARDS.get(published[1:])
-    if spec is None:
+    guard_text = GUARDS.get(published) or GUARDS.get(published[1:])
+    if guard_text is None:
         return None
-    words = spec.format(name=published).split()
+    words = guard_text.format(name=published).split()
     return "  guard " + " ".join(f'"{w}"' if "'" in w else w for w in words)
 
 

@@ -38,14 +38,14 @@ def expand(items: list, groups: dict, where_used: str, seen: tuple = ()) -> list
     return out
 
 
-def value_of(spec: str, r: Routine, where: str) -> Value:
-    m = VALUE_SPEC_RE.match(spec)
+def value_of(field: str, r: Routine, where: str) -> Value:
+    m = VALUE_SPEC_RE.match(field)
     if not m:
-        raise DeclError(f"{where}: '{{{spec}}}' is not {{NAME}} or {{NAME:TYPE}} (int, real, letter, char, charN)")
+        raise DeclError(f"{where}: '{{{field}}}' is not {{NAME}} or {{NAME:TYPE}} (int, real, letter, char, charN)")
     name, of, kind, limit = m.group(1), m.group(2), m.group(3), m.group(4)
     if of is not None:
         if r.arg(of) is None or r.arg(of).base != "char" or kind not in (None, "int"):
-            raise DeclError(f"{where}: {{{spec}}}: len() of a character argument, an integer")
+            raise DeclError(f"{where}: {{{field}}}: len() of a character argument, an integer")
         return Value(name, "int")
     if kind is None:
         a = r.arg(name)
@@ -56,7 +56,7 @@ def value_of(spec: str, r: Routine, where: str) -> Value:
     if kind.startswith("char"):
         n = int(limit) if limit else LINE_LENGTH
         if not 1 <= n <= LINE_LENGTH:
-            raise DeclError(f"{where}: {{{spec}}} shows 1 to {LINE_LENGTH} characters")
+            raise DeclError(f"{where}: {{{field}}} shows 1 to {LINE_LENGTH} characters")
         return Value(name, "char", n)
     return Value(name, kind)
 
@@ -64,8 +64,8 @@ def value_of(spec: str, r: Routine, where: str) -> Value:
 def resolve_message(m: Message, r: Routine):
     values: dict[str, Value] = {}
     for rec in m.records:
-        for spec in VALUE_RE.findall(rec):
-            v = value_of(spec, r, m.where)
+        for field in VALUE_RE.findall(rec):
+            v = value_of(field, r, m.where)
             if v.name in values and (values[v.name].kind, values[v.name].limit) != (v.kind, v.limit):
                 raise DeclError(f"{m.where}: value {{{v.name}}} given two types")
             values.setdefault(v.name, v)
