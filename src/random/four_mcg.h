@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <span>
 
+#include "random/generator.h"
+
 namespace vek::random::four_mcg {
 
 // Places the seeds: each reduced into 1..m_j-1 (a value that reduces to 0 becomes 1).
@@ -16,5 +18,24 @@ void uniforms(int64_t* state, int64_t base, std::span<double> out);
 void skip(int64_t* state, int64_t base, uint64_t n);
 // Multipliers a_j^N, values x_j a_j^(K-N) (exponents modulo m_j - 1).
 void leapfrog(int64_t* state, int64_t base, int64_t n, int64_t k);
+
+// The GeneratorOps of a four-generator block at word `Base` of a STATE with `Internal` internal words, given
+// the generator's own seeding.
+template <int64_t Base, int64_t Internal>
+GeneratorOps ops(SeedStatus (*seed)(int64_t, std::span<const int64_t>, int64_t*, int64_t)) {
+  return {[](int64_t, int64_t) { return Internal; },
+          [](int64_t) { return Internal; },
+          seed,
+          [](const int64_t* state) { return state[kWordLength] == Internal + kTrailerWords; },
+          [](int64_t* state, std::span<double> out) { uniforms(state, Base, out); },
+          [](int64_t* state, uint64_t n) {
+            skip(state, Base, n);
+            return SkipStatus::ok;
+          },
+          [](int64_t* state, int64_t n, int64_t k) {
+            leapfrog(state, Base, n, k);
+            return true;
+          }};
+}
 
 }  // namespace vek::random::four_mcg

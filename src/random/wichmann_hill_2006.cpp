@@ -18,8 +18,6 @@ constexpr int64_t kMod[4] = {2147483579, 2147483543, 2147483423, 2147483123};
 constexpr int64_t kInternal = 26;
 constexpr int64_t kBase = 3;
 
-int64_t internal_length(int64_t, int64_t) { return kInternal; }
-
 SeedStatus seed(int64_t, std::span<const int64_t> seeds, int64_t* state, int64_t) {
   if (std::any_of(seeds.begin(), seeds.end(), [](int64_t s) { return s < 1; })) return SeedStatus::invalid_seed;
   int64_t values[4];
@@ -31,23 +29,8 @@ SeedStatus seed(int64_t, std::span<const int64_t> seeds, int64_t* state, int64_t
   return SeedStatus::ok;
 }
 
-bool length_consistent(const int64_t* state) { return state[kWordLength] == kInternal + kTrailerWords; }
-
-void uniforms(int64_t* state, std::span<double> out) { four_mcg::uniforms(state, kBase, out); }
-
-SkipStatus skip(int64_t* state, uint64_t n) {
-  four_mcg::skip(state, kBase, n);
-  return SkipStatus::ok;
-}
-
-bool leapfrog(int64_t* state, int64_t n, int64_t k) {
-  four_mcg::leapfrog(state, kBase, n, k);
-  return true;
-}
-
 }  // namespace
 
-const GeneratorOps kWichmannHill2006{internal_length, [](int64_t) { return kInternal; }, seed,
-                                     length_consistent, uniforms, skip, leapfrog};
+const GeneratorOps kWichmannHill2006 = four_mcg::ops<kBase, kInternal>(seed);
 
 }  // namespace vek::random
