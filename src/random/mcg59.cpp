@@ -112,6 +112,38 @@ void uniform_blocks_generic(uint64_t& x, const uint64_t (&power)[8], double* out
   }
 }
 
+// With AVX-512DQ the lanes multiply in 64 bits directly and convert x to double in one instruction:
+// hi 2^-30 + lo 2^-60 is the exact x 2^-60 rounded once, which is what converting x rounds to, scaled by a
+// power of two. Four registers of eight lanes advance by a^32 each, so no lane waits on another's product.
+[[gnu::target("avx512f,avx512dq")]] void uniform_blocks_avx512(uint64_t& x, const uint64_t (&power)[8],
+                                                              double* out, size_t blocks) {
+  const __m512i mask60 = _mm512_set1_epi64(static_cast<int64_t>(kMask60));
+  const __m512d scale = _mm512_set1_pd(0x1p-60), one = _mm512_set1_pd(1.0);
+  const __m512d smallest = _mm512_set1_pd(0x1p-59), largest = _mm512_set1_pd(1.0 - 0x1p-53);
+  constexpr size_t kRegisters = 4;
+  // lanes[r] holds x a^(8r + j + 1); every register steps by a^(8 kRegisters).
+  __m512i lanes[kRegisters];
+  uint64_t start = x;
+  for (size_t r = 0; r < kRegisters; ++r) {
+    lanes[r] = _mm512_and_si512(_mm512_mullo_epi64(_mm512_set1_epi64(static_cast<int64_t>(start)),
+                                                   _mm512_loadu_si512(power)),
+                                mask60);
+    start = (start * power[7]) & kMask60;
+  }
+  const __m512i step = _mm512_set1_epi64(static_cast<int64_t>(pow60(power[0], 8 * kRegisters)));
+  size_t b = 0;
+  for (; b + kRegisters <= blocks; b += kRegisters) {
+    for (size_t r = 0; r < kRegisters; ++r) {
+      const __m512d sum = _mm512_mul_pd(_mm512_cvtepu64_pd(lanes[r]), scale);
+      const __m512d u = _mm512_sub_pd(one, sum);
+      _mm512_storeu_pd(out + 8 * (b + r), _mm512_min_pd(_mm512_max_pd(u, smallest), largest));
+      lanes[r] = _mm512_and_si512(_mm512_mullo_epi64(lanes[r], step), mask60);
+    }
+  }
+  x = (x * pow60(power[0], 8 * b)) & kMask60;
+  uniform_blocks_avx2(x, power, out + 8 * b, blocks - b);
+}
+
 void uniforms(int64_t* state, std::span<double> out) {
   uint64_t x = read_limbs(state + kX);
   const uint64_t a = read_limbs(state + kA);
@@ -119,8 +151,10 @@ void uniforms(int64_t* state, std::span<double> out) {
   power[0] = a;
   for (size_t j = 1; j < 8; ++j) power[j] = (power[j - 1] * a) & kMask60;
   const size_t blocks = out.size() / 8;
-  static const bool avx2 = __builtin_cpu_supports("avx2");
-  (avx2 ? uniform_blocks_avx2 : uniform_blocks_generic)(x, power, out.data(), blocks);
+  static const auto blocks_kernel = __builtin_cpu_supports("avx512dq") ? uniform_blocks_avx512
+                                    : __builtin_cpu_supports("avx2")   ? uniform_blocks_avx2
+                                                                        : uniform_blocks_generic;
+  blocks_kernel(x, power, out.data(), blocks);
   for (size_t i = 8 * blocks; i < out.size(); ++i) {
     x = (x * a) & kMask60;
     out[i] = to_uniform(x);

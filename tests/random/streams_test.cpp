@@ -9,6 +9,7 @@
 #include <random>
 #include <vector>
 
+#include "support/mrg32k3a_reference.h"
 #include "vek.h"
 
 namespace {
@@ -83,33 +84,10 @@ TEST(Streams, MersenneTwisterIsMt19937) {
   }
 }
 
-// L'Ecuyer's published floating-point implementation of MRG32k3a, written out as in the paper.
-struct Mrg32k3aReference {
-  double s10, s11, s12, s20, s21, s22;
-  double next() {
-    const double m1 = 4294967087.0, m2 = 4294944443.0, norm = 2.328306549295728e-10;
-    double p1 = 1403580.0 * s11 - 810728.0 * s10;
-    long k = static_cast<long>(p1 / m1);
-    p1 -= static_cast<double>(k) * m1;
-    if (p1 < 0.0) p1 += m1;
-    s10 = s11;
-    s11 = s12;
-    s12 = p1;
-    double p2 = 527612.0 * s22 - 1370589.0 * s20;
-    k = static_cast<long>(p2 / m2);
-    p2 -= static_cast<double>(k) * m2;
-    if (p2 < 0.0) p2 += m2;
-    s20 = s21;
-    s21 = s22;
-    s22 = p2;
-    return p1 > p2 ? (p1 - p2) * norm : (p1 - p2 + m1) * norm;
-  }
-};
-
 TEST(Streams, Mrg32k3aIsLEcuyersAlgorithm) {
   const std::vector<int64_t> seeds = {12345, 23456, 34567, 45678, 56789, 67890};
   State state = initialised(6, seeds);
-  Mrg32k3aReference ref{12345, 23456, 34567, 45678, 56789, 67890};
+  vek::testing::Mrg32k3aReference ref{12345, 23456, 34567, 45678, 56789, 67890};
   // Lengths that use the four-lane path and the plain one.
   for (int64_t n : {1, 7, 1024, 5000}) {
     for (double u : draw(state, n)) ASSERT_NEAR(u, ref.next(), 1e-16);

@@ -1,0 +1,1 @@
+target_include_directories(bench_random PRIVATE ${PROJECT_SOURCE_DIR}/tests)
