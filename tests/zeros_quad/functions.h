@@ -16,6 +16,7 @@ inline const std::map<std::string, RealFunction>& zero_test_functions() {
       {"triple_root", [](double x) { return (x - 1.0) * (x - 1.0) * (x - 1.0); }},
       {"reciprocal", [](double x) { return 1.0 / x - 3.0; }},
       {"pole", [](double x) { return 1.0 / (x - 1.0); }},
+      {"plus_one_squared", [](double x) { return x * x + 1.0; }},
   };
   return table;
 }

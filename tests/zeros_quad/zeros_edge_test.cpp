@@ -1,6 +1,7 @@
 // The zero finders at their edges: exact zeros at the starting points, the sign rule (0 and NaN count as
 // non-positive), ETA's strict test, user functions returning NaN or infinities, odd intervals, IUSER and
-// RUSER passed through untouched, a host's own adapter, and independent runs interleaved on distinct states.
+// RUSER passed through untouched, a host's own adapter, independent runs interleaved on distinct states, and
+// the outward search ending on functions and bounds that give it nothing to find.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -329,4 +330,44 @@ TEST(ZeroEdges, DriverAccuracyOnStandardFunctions) {
     EXPECT_EQ(d.ifail, 0);
     EXPECT_NEAR(d.x, k.zero, 1e-12) << k.zero;
   }
+}
+
+TEST(ZeroEdges, SearchEndsOnOddFunctionsAndBounds) {
+  // The outward search with infinite bounds, a function that is NaN or constant in sign everywhere, or a huge
+  // starting step: every run ends (IND = 0) with IFAIL 4 and X <= Y, the extreme points it reached.
+  struct Case {
+    double x, h, boundl, boundu;
+    double (*f)(double);
+  };
+  const Case cases[] = {
+      {0.0, 1.0, -kInf, kInf, [](double) { return kNaN; }},
+      {1.0, 0.5, -kInf, kInf, [](double x) { return x * x + 1.0; }},
+      {0.0, kInf, 0.0, kInf, [](double x) { return x + 1.0; }},
+      {0.0, -1e300, -kInf, 1.0, [](double) { return 1.0; }},
+  };
+  for (const Case& k : cases) {
+    SCOPED_TRACE(k.h);
+    double x = k.x, h = k.h, y = 0.0, fx = 0.0, c[11] = {};
+    int64_t ind = 1, ifail = 1;
+    int calls = 0;
+    for (; calls < 100000; ++calls) {
+      ifail = 1;
+      c05avf_(&x, &fx, &h, &k.boundl, &k.boundu, &y, c, &ind, &ifail);
+      if (ind == 0) break;
+      fx = k.f(x);
+    }
+    EXPECT_EQ(ind, 0);
+    EXPECT_EQ(ifail, 4);
+    EXPECT_LE(x, y);
+  }
+  // c05auf on a function that is NaN away from its start: the search ends with IFAIL 2 and A <= X <= B.
+  double x = 2.0, a = 0.0, b = 0.0;
+  const double h = 0.5, eps = 1e-10, eta = 0.0;
+  int64_t ifail = 1;
+  g_f = [](double t) { return t == 2.0 ? 1.0 : kNaN; };
+  c05auf_(&x, &h, &eps, &eta, counted, &a, &b, nullptr, nullptr, &ifail);
+  EXPECT_EQ(ifail, 2);
+  EXPECT_EQ(x, 2.0);
+  EXPECT_LE(a, x);
+  EXPECT_LE(x, b);
 }

@@ -191,3 +191,78 @@ TEST(ZeroMessages, DriverEveryMessage) {
        }},
   });
 }
+
+namespace {
+
+// One call of c05avf; IND is 0 afterwards.
+void search_call(double x, double h, double boundl, double boundu, int64_t ind, int64_t* ifail) {
+  double fx = 1.0, y = 0.0, c[11] = {};
+  c05avf_(&x, &fx, &h, &boundl, &boundu, &y, c, &ind, ifail);
+  EXPECT_EQ(ind, 0);
+}
+
+double counted_plus_one_squared(const double* x, int64_t*, double*) {
+  ++g_calls;
+  return *x * *x + 1.0;
+}
+
+void near_call(double x, double h, double eps, double (*f)(const double*, int64_t*, double*), int64_t* ifail) {
+  const double eta = 0.0;
+  double a = 0.0, b = 0.0;
+  g_calls = 0;
+  c05auf_(&x, &h, &eps, &eta, f, &a, &b, nullptr, nullptr, ifail);
+}
+
+}  // namespace
+
+TEST(ZeroMessages, SearchAndNearEveryMessage) {
+  check_cases("C05AVF", {
+      {"bounds reversed", 1, {"** On entry, BOUNDL = 1 and", "** BOUNDU = 1", "** Constraint: BOUNDL < BOUNDU."},
+       [](int64_t* f) { search_call(1.0, 0.1, 1.0, 1.0, 1, f); }},
+      {"X outside, before a bad H", 1,
+       {"** On entry, X = 3, BOUNDL = 0", "** and BOUNDU = 2", "** Constraint: BOUNDL <= X <= BOUNDU."},
+       [](int64_t* f) { search_call(3.0, 0.0, 0.0, 2.0, 1, f); }},
+      {"both steps outside", 1,
+       {"** On entry, X+H and X-H both lie outside the interval [BOUNDL,BOUNDU]:", "** X = 1, H = 5",
+        "** BOUNDL = 0 and BOUNDU = 2"},
+       [](int64_t* f) { search_call(1.0, 5.0, 0.0, 2.0, -1, f); }},
+      {"H too small", 2, {"** On entry, H is too small for use as a perturbation of X:", "** X = 1 and H = 1e-17"},
+       [](int64_t* f) { search_call(1.0, 1e-17, 0.0, 2.0, 1, f); }},
+      {"IND = 4, bounds not looked at", 3, {"** On entry, IND = 4", "** Constraint: IND = -1, 1, 2 or 3."},
+       [](int64_t* f) { search_call(5.0, 0.0, 1.0, 0.0, 4, f); }},
+      {"no sign change", 4, {"** An interval containing the zero could not be found."},
+       [](int64_t* f) {
+         double x = 0.5, h = 0.25, y = 0.0, fx = 0.0, c[11] = {};
+         const double lo = 0.0, hi = 1.0;
+         const int64_t ifail_in = *f;
+         int64_t ind = 1;
+         for (int calls = 0; ind != 0 && calls < 1000; ++calls) {
+           *f = ifail_in;
+           c05avf_(&x, &fx, &h, &lo, &hi, &y, c, &ind, f);
+           fx = x * x + 1.0;
+         }
+         EXPECT_LE(x, y);
+       }},
+  });
+  check_cases("C05AUF", {
+      {"EPS = 0", 1, {"** On entry, EPS = 0", "** Constraint: EPS > 0.0."},
+       [](int64_t* f) { near_call(1.0, 0.0, 0.0, counted_square_minus_two, f); }},
+      {"H too small", 1, {"** On entry, X = 1 and H = 0", "** Constraint: X+H /= X (to machine accuracy)."},
+       [](int64_t* f) {
+         near_call(1.0, 0.0, 1e-8, counted_square_minus_two, f);
+         EXPECT_EQ(g_calls, 0);
+       }},
+      {"no bracket", 2,
+       {"** An interval containing the zero could not be found.",
+        "** Increasing H and calling C05AUF again will increase the range searched for",
+        "** the zero. Decreasing H and calling C05AUF again will refine the mesh used",
+        "** in the search for the zero."},
+       [](int64_t* f) { near_call(0.5, 0.001, 1e-10, counted_plus_one_squared, f); }},
+      {"pole", 3, {"** Solution may be a pole rather than a zero."},
+       [](int64_t* f) { near_call(1.1, -0.3, 1e-9, counted_pole, f); }},
+      {"EPS too small", 4,
+       {"** The tolerance EPS has been set too small for the problem", "** being solved. However, the value X returned is",
+        "** a good approximation to the zero.", "** EPS = 1e-300"},
+       [](int64_t* f) { near_call(1.0, 0.1, 1e-300, counted_square_minus_two, f); }},
+  });
+}

@@ -1,5 +1,5 @@
-// Fidelity of the zero finders: every call of the reverse-communication sequence (IND, X and Y returned) and
-// every point at which the driver evaluates F, against a second implementation of the documented algorithm
+// Fidelity of the zero finders: every call of the reverse-communication sequences (IND, X and Y or H returned)
+// and every point at which the drivers evaluate F, against a second implementation of the documented algorithm
 // (data/make_sequences.py, whose output data/sequences.txt is committed). The iterates must agree to the bit.
 #include <gtest/gtest.h>
 
@@ -48,9 +48,28 @@ double real(std::istringstream& in) {
   return std::strtod(word.c_str(), nullptr);  // repr() text reads back to the same double
 }
 
+struct SearchRun {
+  std::string name, function;
+  int64_t ind;
+  double x, h, boundl, boundu;
+  std::vector<Step> steps;  // IND, X and H (in the field y) after each call that asks for a value
+  int64_t ifail;
+  double x_end, y_end, c1_end;
+};
+
+struct NearRun {
+  std::string name, function;
+  double x, h, eps, eta;
+  std::vector<double> evaluations;
+  int64_t ifail;
+  double x_end, a_end, b_end;
+};
+
 struct Sequences {
   std::vector<KernelRun> kernel;
   std::vector<DriverRun> driver;
+  std::vector<SearchRun> search;
+  std::vector<NearRun> near;
 };
 
 const Sequences& sequences() {
@@ -70,11 +89,23 @@ const Sequences& sequences() {
         in >> r.ir;
         s.kernel.push_back(r);
         run = key;
+      } else if (key == "avf") {
+        SearchRun r;
+        in >> r.name >> r.function >> r.ind;
+        r.x = real(in), r.h = real(in), r.boundl = real(in), r.boundu = real(in);
+        s.search.push_back(r);
+        run = key;
+      } else if (key == "auf") {
+        NearRun r;
+        in >> r.name >> r.function;
+        r.x = real(in), r.h = real(in), r.eps = real(in), r.eta = real(in);
+        s.near.push_back(r);
+        run = key;
       } else if (key == "step") {
         Step st{};
         in >> st.ind;
         st.x = real(in), st.y = real(in);
-        s.kernel.back().steps.push_back(st);
+        (run == "azf" ? s.kernel.back().steps : s.search.back().steps).push_back(st);
       } else if (key == "ayf") {
         DriverRun r;
         in >> r.name >> r.function;
@@ -82,15 +113,23 @@ const Sequences& sequences() {
         s.driver.push_back(r);
         run = key;
       } else if (key == "eval") {
-        s.driver.back().evaluations.push_back(real(in));
+        (run == "ayf" ? s.driver.back().evaluations : s.near.back().evaluations).push_back(real(in));
       } else if (key == "done" && run == "azf") {
         KernelRun& r = s.kernel.back();
         in >> r.ifail;
         r.x_end = real(in), r.y_end = real(in);
-      } else if (key == "done") {
+      } else if (key == "done" && run == "ayf") {
         DriverRun& r = s.driver.back();
         in >> r.ifail;
         r.x_end = real(in);
+      } else if (key == "done" && run == "avf") {
+        SearchRun& r = s.search.back();
+        in >> r.ifail;
+        r.x_end = real(in), r.y_end = real(in), r.c1_end = real(in);
+      } else if (key == "done") {
+        NearRun& r = s.near.back();
+        in >> r.ifail;
+        r.x_end = real(in), r.a_end = real(in), r.b_end = real(in);
       }
     }
     return s;
@@ -181,6 +220,58 @@ TEST(ZeroSequences, DriverEvaluationPoints) {
     c05ayf_(&r.a, &r.b, &r.eps, &r.eta, logged, &x, iuser, ruser, &ifail);
     EXPECT_EQ(ifail, r.ifail);
     EXPECT_EQ(bits(x), bits(r.x_end)) << x << " vs " << r.x_end;
+    ASSERT_EQ(g_points.size(), r.evaluations.size());
+    for (size_t k = 0; k < g_points.size(); ++k) EXPECT_EQ(bits(g_points[k]), bits(r.evaluations[k])) << k;
+  }
+}
+
+TEST(ZeroSequences, SignChangeSearchCallByCall) {
+  ASSERT_EQ(sequences().search.size(), 6u);
+  for (const SearchRun& r : sequences().search) {
+    SCOPED_TRACE(r.name);
+    const RealFunction f = function_named(r.function);
+    ASSERT_NE(f, nullptr);
+    double x = r.x, h = r.h, y = 0.0, fx = r.ind == -1 ? f(r.x) : 0.0, c[11] = {};
+    int64_t ind = r.ind, ifail = 1;
+    size_t calls = 0;
+    for (;;) {
+      ifail = 1;
+      c05avf_(&x, &fx, &h, &r.boundl, &r.boundu, &y, c, &ind, &ifail);
+      if (ind == 0) break;
+      ASSERT_LT(calls, r.steps.size()) << "more calls than the second implementation makes";
+      EXPECT_EQ(ind, r.steps[calls].ind) << "call " << calls;
+      EXPECT_EQ(bits(x), bits(r.steps[calls].x)) << "call " << calls << ": " << x << " vs " << r.steps[calls].x;
+      EXPECT_EQ(bits(h), bits(r.steps[calls].y)) << "call " << calls;
+      ++calls;
+      fx = f(x);
+    }
+    EXPECT_EQ(calls, r.steps.size());
+    EXPECT_EQ(ifail, r.ifail);
+    EXPECT_EQ(bits(x), bits(r.x_end)) << x << " vs " << r.x_end;
+    EXPECT_EQ(bits(y), bits(r.y_end)) << y << " vs " << r.y_end;
+    EXPECT_EQ(bits(c[0]), bits(r.c1_end));
+    // A success is what c05azf takes with IND = -1: f changes sign between X and Y (or f(X) = 0), C(1) = f(Y).
+    if (ifail == 0 && f(x) != 0.0) {
+      EXPECT_NE(f(x) >= 0.0, f(y) >= 0.0);
+      EXPECT_EQ(c[0], f(y));
+    }
+  }
+}
+
+TEST(ZeroSequences, ZeroNearPointEvaluationPoints) {
+  ASSERT_EQ(sequences().near.size(), 6u);
+  for (const NearRun& r : sequences().near) {
+    SCOPED_TRACE(r.name);
+    g_function = function_named(r.function);
+    ASSERT_NE(g_function, nullptr);
+    g_points.clear();
+    double x = r.x, a = 0.0, b = 0.0, ruser[1] = {0.0};
+    int64_t iuser[1] = {0}, ifail = 1;
+    c05auf_(&x, &r.h, &r.eps, &r.eta, logged, &a, &b, iuser, ruser, &ifail);
+    EXPECT_EQ(ifail, r.ifail);
+    EXPECT_EQ(bits(x), bits(r.x_end)) << x << " vs " << r.x_end;
+    EXPECT_EQ(bits(a), bits(r.a_end)) << a << " vs " << r.a_end;
+    EXPECT_EQ(bits(b), bits(r.b_end)) << b << " vs " << r.b_end;
     ASSERT_EQ(g_points.size(), r.evaluations.size());
     for (size_t k = 0; k < g_points.size(); ++k) EXPECT_EQ(bits(g_points[k]), bits(r.evaluations[k])) << k;
   }

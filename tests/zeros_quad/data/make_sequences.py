@@ -15,6 +15,14 @@ Writes sequences.txt beside this script:
     eval X                                each point at which F is evaluated, in order
     done IFAIL X
 
+    avf CASE FUNCTION IND X H BOUNDL BOUNDU   a search for a sign change (IND 1, or -1 with FX = f(X))
+    step IND X H                          after each call that asks for a value
+    done IFAIL X Y C1                     the final call: IFAIL, X, Y and C(1) = f(Y)
+
+    auf CASE FUNCTION X H EPS ETA         a zero near X
+    eval X                                each point at which F is evaluated, in order
+    done IFAIL X A B
+
 Numbers are written with repr(), which reads back to the same double.
 
     python3 make_sequences.py
@@ -39,6 +47,7 @@ FUNCTIONS = {
     "triple_root": lambda x: (x - 1.0) * (x - 1.0) * (x - 1.0),  # interpolation keeps failing: bisection
     "reciprocal": lambda x: 1.0 / x - 3.0,                      # zero at 1/3, steep near 0
     "pole": lambda x: divide(1.0, x - 1.0),                     # changes sign at a pole, no zero
+    "plus_one_squared": lambda x: x * x + 1.0,                  # never changes sign
 }
 
 
@@ -196,6 +205,173 @@ def run_ayf(out, name, fname, a, b, eps, eta):
     done({0: 0, 4: 3, 5: 2}[ifail], x)
 
 
+class Search:
+    """The outward search for a sign change. C[1..11] as documented (C[0] unused)."""
+
+    def __init__(self, boundl, boundu):
+        self.C = [0.0] * 12
+        self.lo, self.hi = boundl, boundu
+
+    def positive(self, v):
+        return v >= 0.0  # 0 counts as positive in the search
+
+    def step(self, x, h, aware):
+        """Step 4: returns (accepted, x, h)."""
+        C, lo, hi = self.C, self.lo, self.hi
+        if aware:
+            if x == lo:
+                C[7] = -1.0
+                if x + h < lo:
+                    h = -h
+            if x == hi:
+                C[7] = 1.0
+                if x + h > hi:
+                    h = -h
+        t = x + h
+        if math.isnan(t):
+            return False, x, h
+        if t >= hi:
+            if C[7] == 1.0 or abs(C[7]) > 1.5:
+                return False, x, h
+            C[7] = 1.0 if C[7] == 0.0 else 2.0
+            t = hi
+        elif t <= lo:
+            if C[7] == -1.0 or abs(C[7]) > 1.5:
+                return False, x, h
+            C[7] = -1.0 if C[7] == 0.0 else -2.0
+            t = lo
+        return True, t, h
+
+    def refine(self, x, y, h):
+        """Step 5, and step 6 when the refinements are spent: returns (x, y, h, ind, ifail)."""
+        C = self.C
+        while C[6] < 3.0:
+            C[6] += 1.0
+            k = int(C[6])
+            h = C[5] / 10.0 ** k if k % 2 == 0 else -C[5] / 10.0 ** k
+            if C[3] + h == C[3]:
+                break
+            y = C[3]
+            C[8] = C[10] = C[3]
+            C[1] = C[9] = C[11] = C[4]
+            C[7] = 0.0
+            ok, x, h = self.step(C[3], h, True)
+            if ok:
+                return x, y, h, 3, 0
+        if C[8] <= C[10]:
+            C[1] = C[11]
+            return C[8], C[10], h, 0, 4
+        C[1] = C[9]
+        return C[10], C[8], h, 0, 4
+
+    def call(self, x, fx, h, y, ind):
+        """One call (checks assumed passed): returns (x, y, h, ind, ifail)."""
+        C = self.C
+        if ind in (1, -1):
+            y = x
+            C[3], C[5], C[6], C[7] = x, h, 0.0, 0.0
+            C[8] = C[10] = x
+            if ind == 1:
+                return x, y, h, 2, 0
+            ind = 2
+        if ind == 2:
+            C[1] = C[4] = C[9] = C[11] = fx
+            if fx == 0.0:
+                return x, x, h, 0, 0
+            ok, x, h = self.step(x, h, True)
+            return (x, y, h, 3, 0) if ok else self.refine(x, y, h)
+        # ind == 3
+        if fx == 0.0:
+            C[1] = 0.0
+            return x, x, h, 0, 0
+        C[2] = fx
+        if not math.isnan(fx) and not math.isnan(C[1]) and self.positive(fx) != self.positive(C[1]):
+            if abs(x - C[8]) <= abs(x - C[10]):
+                y, C[1] = C[8], C[9]
+            else:
+                y, C[1] = C[10], C[11]
+            return x, y, h, 0, 0
+        if abs(x - self.lo) <= abs(C[8] - self.lo):
+            C[8], C[9] = x, fx
+        elif abs(x - self.hi) <= abs(C[10] - self.hi):
+            C[10], C[11] = x, fx
+        if abs(fx) < abs(C[1]):
+            h, y, C[1] = 2.0 * h, x, fx
+        else:
+            h = -2.0 * h
+        ok, x, h = self.step(x, h, False)
+        return (x, y, h, 3, 0) if ok else self.refine(x, y, h)
+
+
+def run_avf(out, name, fname, ind, x, h, boundl, boundu):
+    f = FUNCTIONS[fname]
+    out.append(f"avf {name} {fname} {ind} {x!r} {h!r} {boundl!r} {boundu!r}")
+    s = Search(boundl, boundu)
+    fx = f(x) if ind == -1 else 0.0
+    y = 0.0
+    for _ in range(100000):
+        x, y, h, ind, ifail = s.call(x, fx, h, y, ind)
+        if ind == 0:
+            out.append(f"done {ifail} {x!r} {y!r} {s.C[1]!r}")
+            return
+        out.append(f"step {ind} {x!r} {h!r}")
+        fx = f(x)
+    raise RuntimeError(f"{name} does not end")
+
+
+def run_auf(out, name, fname, x, h, eps, eta):
+    f = FUNCTIONS[fname]
+    out.append(f"auf {name} {fname} {x!r} {h!r} {eps!r} {eta!r}")
+
+    def value(t):
+        out.append(f"eval {t!r}")
+        return f(t)
+
+    def done(ifail, x, a, b):
+        out.append(f"done {ifail} {x!r} {a!r} {b!r}")
+
+    x0 = x
+    fx = value(x)
+    if abs(fx) <= eta:
+        return done(0, x, x, x)
+    s = Search(x - 256.0 * abs(h), x + 256.0 * abs(h))
+    y = 0.0
+    x, y, h, ind, ifail = s.call(x, fx, h, y, -1)
+    while ind != 0:
+        fx = value(x)
+        if abs(fx) <= eta:
+            return done(0, x, x, x)
+        x, y, h, ind, ifail = s.call(x, fx, h, y, ind)
+    if ifail == 4:
+        return done(2, x0, s.C[8], s.C[10])
+    if y == x:
+        return done(0, x, x, x)
+    a, b = y, x
+    # c05ayf on [a, b]
+    fa = value(a)
+    if abs(fa) < eta or fa == 0.0:
+        z, code = a, 0
+    else:
+        fb = value(b)
+        if abs(fb) < eta or fb == 0.0:
+            z, code = b, 0
+        else:
+            k = Kernel()
+            k.C[1] = fa
+            z, w, ind, code = k.call(b, a, fb, eps, 1, -1)
+            while ind != 0:
+                fz = value(z)
+                if abs(fz) < eta or fz == 0.0:
+                    code = 0
+                    break
+                z, w, ind, code = k.call(z, w, fz, eps, 1, ind)
+    ifail = {0: 0, 4: 3, 5: 4}[code]
+    fz = value(z)
+    if abs(fz) <= eta:
+        return done(ifail, z, z, z)
+    done(ifail, z, min(a, b), max(a, b))
+
+
 def main():
     out = []
     run_azf(out, "sqrt2_mixed", "square_minus_two", 1, 1.0, 2.0, 1e-10, 0)
@@ -212,6 +388,18 @@ def main():
     run_ayf(out, "reciprocal", "reciprocal", 10.0, 0.01, 1e-9, 0.0)
     run_ayf(out, "pole", "pole", 0.0, 2.0, 1e-6, 0.0)
     run_ayf(out, "sqrt2_too_tight", "square_minus_two", 0.0, 4.0, 1e-300, 0.0)
+    run_avf(out, "cubic_right", "brent_cubic", 1, 0.0, 0.25, -10.0, 10.0)
+    run_avf(out, "cubic_given_value", "brent_cubic", -1, 0.0, -0.25, -10.0, 10.0)
+    run_avf(out, "sqrt2_on_lower_bound", "square_minus_two", 1, -1.0, -0.1, -1.0, 10.0)
+    run_avf(out, "sqrt2_on_upper_bound", "square_minus_two", 1, 3.0, 0.5, -4.0, 3.0)
+    run_avf(out, "reciprocal_bounded", "reciprocal", 1, 5.0, 0.01, 0.05, 8.0)
+    run_avf(out, "no_sign_change_refined", "plus_one_squared", 1, 0.5, 0.25, 0.0, 1.0)
+    run_auf(out, "cubic", "brent_cubic", 0.0, 0.1, 1e-12, 0.0)
+    run_auf(out, "sqrt2_eta", "square_minus_two", 1.0, 0.01, 1e-10, 1e-3)
+    run_auf(out, "pole", "pole", 1.1, -0.3, 1e-9, 0.0)
+    run_auf(out, "within_eta_at_once", "square_minus_two", 1.4142, 0.1, 1e-10, 1e-3)
+    run_auf(out, "no_sign_change", "plus_one_squared", 0.5, 0.001, 1e-10, 0.0)
+    run_auf(out, "too_tight", "brent_cubic", 2.0, 0.1, 1e-300, 0.0)
     (HERE / "sequences.txt").write_text("\n".join(["# Made by make_sequences.py (beside this file): a second "
                                                    "implementation of the zero finders."] + out) + "\n")
 
