@@ -4,8 +4,9 @@
 // converges quickly for x < (a + 1)/(a + b + 2); beyond, I_y(b, a) with y = 1 - x is evaluated and gives the
 // complement. When that side's value is the larger one the other side is evaluated as well, so both results
 // keep their relative accuracy. For a, b >= 100 near the mean, where the fraction cancels and converges slowly,
-// Temme's uniform asymptotic expansion (incomplete_beta_asymptotic.cpp). Should the fraction not converge, the
-// normal approximation is returned, flagged.
+// Temme's uniform asymptotic expansion (incomplete_beta_asymptotic.cpp); for one parameter 1000 times the other
+// (and 1) or more, the smaller below 1e5, the expansion for a >> b (incomplete_beta_skewed.cpp). Should the
+// fraction not converge, the normal approximation is returned, flagged.
 // The power term x^a y^b / B(a, b) is, for a, b >= 10, sqrt(ab / 2pi c) exp(-a D(u) - b D(v) + stirling
 // terms) with c = a + b, u = (x c - a)/a, v = -a u / b, D(u) = u - ln(1 + u) (the form in which the large
 // logarithms cancel analytically); otherwise x^a y^b / B(a, b) by pow, or by logarithms where it would underflow.
@@ -19,6 +20,7 @@
 
 #include "frame/constants.h"
 #include "specfun/incomplete_beta_asymptotic.h"
+#include "specfun/incomplete_beta_skewed.h"
 #include "specfun/log1pmx.h"
 #include "specfun/specfun.h"
 
@@ -36,6 +38,12 @@ constexpr double kAsymptoticWidth = 0.03;
 // The largest absolute difference between 1 - I and the separately evaluated complement that is accepted
 // (I is within 32 ulps, so 1 - I is within 4e-15 of it).
 constexpr double kComplementAgreement = 1e-13;
+// One parameter below kSkewSmall and the other at least kSkewRatio times it (and 1) take the expansion for
+// a >> b: near the mean the fraction loses up to 1e-10 relative there (the smaller parameter from 1 to about
+// 1e4). From 1e5 up the uniform expansion and the fraction hold 2 ulps, while the expansion's terms would fall
+// more slowly (by min/(24 kSkewRatio^2) each, 4e-3 at 1e5).
+constexpr double kSkewSmall = 1e5;
+constexpr double kSkewRatio = 1e3;
 
 // -a D(u), D(u) = u - ln(1 + u), where a u = a_u and 1 + u = ratio = t c / a for the variable t (x or y) of this
 // term: the series where it has no cancellation; else, when t <= 1/2 (then t is exact, while the other of x, y
@@ -137,8 +145,6 @@ double complement_tiny_a(double a, double b, double x) {
 }
 
 // I_x(a, b) by the continued fraction, for x below the mean-like point (a + 1)/(a + b + 2).
-constexpr double kGammaLimitSmall = 100.0;
-constexpr double kGammaLimitRatio = 1e9;
 
 double fraction(double a, double b, double x, double y, bool& converged) {
   // Near the mean the fraction needs about 4.5 max(a, b)^(1/3) terms (850000 at a = b = 1e16); beyond the
@@ -218,16 +224,11 @@ BetaInc beta_inc_unclamped(double a, double b, double x) {
       return {0.5 + (0.5 - w1), w1, true};
     }
   }
-  // One parameter below 100 and the other beyond 1e9 times it: the gamma limit, I_x(a, b) = P(a, w) with
-  // w = -(b + (a - 1)/2) ln(1 - x), whose error falls as b^-2 (there the fraction in 1 - x would lose x's
-  // digits near the mean).
-  if (std::min(a, b) < kGammaLimitSmall && std::max(a, b) >= kGammaLimitRatio * std::max(std::min(a, b), 1.0)) {
-    if (b > a) {
-      const GammaPQ g = gamma_pq(a, (b + 0.5 * (a - 1.0)) * -std::log1p(-x));
-      return {g.p, g.q, g.converged};
-    }
-    const GammaPQ g = gamma_pq(b, (a + 0.5 * (b - 1.0)) * -std::log(x));
-    return {g.q, g.p, g.converged};
+  // One parameter far larger than the other: the expansion for a >> b, whose terms fall by b^3 / a^2.
+  if (std::min(a, b) < kSkewSmall && std::max(a, b) >= kSkewRatio * std::max(std::min(a, b), 1.0)) {
+    if (a > b) return beta_inc_skewed(a, b, x, y);
+    const BetaInc r = beta_inc_skewed(b, a, y, x);
+    return {r.w1, r.w, r.converged};
   }
   // The fraction is evaluated on the side where it converges fast; when that side is the larger value (as
   // can happen for small a, b), the other side is evaluated as well.
