@@ -534,6 +534,8 @@ def incomplete_beta_tables(rng):
             add_skewed("skew_small", 10 ** skewed.uniform(0, 2), 10 ** skewed.uniform(2, 10), where)
         for _ in range(count // 3):
             add_skewed("skew_mid", 10 ** skewed.uniform(2, 4), 10 ** skewed.uniform(2, 10), where)
+    for a, b, x in ((44.0, 4.5e104, 1.018e-103), (0.5, 1e20, 3e-21), (1e12, 50.0, 1 - 5.1e-11)):  # extreme ratios
+        rows.append(("skew_small", (a, b, x), skewed_pair(a, b, x)))
     write("beta_inc", "I_x(a, b) and 1 - I_x(a, b)", rows)
 
 
