@@ -245,7 +245,19 @@ def incomplete_gamma_tables(rng):
         x = d(a + more.uniform(-6, 6) * mp.sqrt(a))
         rows.append(("huge_a", (a, x), tails_by_quadrature(a, x)))
     rows.append(("huge_a", (9999743624.91, 9999574778.44745), tails_by_quadrature(9999743624.91, 9999574778.44745)))
+    rows += gamma_small_a_beyond_rows()
     write("gamma_pq", "P(a, x) and Q(a, x)", rows)
+
+
+def gamma_small_a_beyond_rows():
+    """a from 0.1 to 1 and x from 1.1 to a + 1, where Q is as small as 0.02 (1 - P lost 130 ulp there)."""
+    own = random.Random(SEED + 7)
+    rows = []
+    for _ in range(40):
+        a = d(own.uniform(0.1, 1))
+        x = d(own.uniform(1.1, a + 1))
+        rows.append(("small_a", (a, x), (gamma_p_series(a, x), gamma_upper(a, x))))
+    return rows
 
 
 def inverse_gamma_tables(rng):
