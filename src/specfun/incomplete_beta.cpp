@@ -31,6 +31,12 @@ constexpr double kEps = vek::constants::eps();
 constexpr double kTinyDenominator = 1e-300;
 // Parameters at most this (relative to the other, when that exceeds 1) take the tiny-parameter forms.
 constexpr double kTiny = 1e-5;
+// Where I is near 1, its complement for a parameter at most kSmall comes from the power series
+// (complement_small_a) while the other parameter times x is at most 1 (its terms then cancel by at most e):
+// as 1 - I, or from the fraction on its slow side, it lost up to 7000 ulp for the smaller parameter from 1e-4
+// to 1e-2. kSmallTerms Taylor terms suffice there.
+constexpr double kSmall = 1e-2;
+constexpr int kSmallTerms = 10;
 // Temme's expansion is used for a, b >= kAsymptoticMin and |a - (a + b) x| <= kAsymptoticWidth min(a, b)
 // (DiDonato and Morris's region; the fraction converges slowly and cancels there).
 constexpr double kAsymptoticMin = 100.0;
@@ -94,11 +100,11 @@ double power_terms(double a, double b, double x, double y) {
   return static_cast<double>(std::exp(la * log_x + lb * log_y + log_inverse_beta));
 }
 
-// 1/(a B(a, b)) = Gamma(a + b)/(Gamma(1 + a) Gamma(b)) = ratio e^g for a <= kTiny max(b, 1), with g small: from
+// 1/(a B(a, b)) = Gamma(a + b)/(Gamma(1 + a) Gamma(b)) = ratio e^g for a <= max(kSmall, kTiny b), with g small: from
 // b >= 1, ratio = 1 and g = [ln Gamma(b + a) - ln Gamma(b)] - ln Gamma(1 + a); below 1, through Gamma(b + a)/Gamma(b)
 // = (b/(b + a)) Gamma(1 + b + a)/Gamma(1 + b), ratio = b/(a + b) (kept apart: its logarithm reaches -744 for
-// subnormal a, and rounded it would cost hundreds of ulps). The shifted ln Gamma by Taylor's series in a, four
-// terms, each about a / max(b, 1) times the one before.
+// subnormal a, and rounded it would cost hundreds of ulps). The shifted ln Gamma by Taylor's series in a, each
+// term about a / max(b, 1) times the one before: four terms below kTiny, up to ten at kSmall.
 struct InverseABeta {
   double ratio;
   double g;
@@ -106,9 +112,11 @@ struct InverseABeta {
 InverseABeta inverse_a_beta(double a, double b) {
   const double at = b >= 1.0 ? b : 1.0 + b;
   double sum = 0.0, power = 1.0;
-  for (int k = 1; k <= 4; ++k) {
+  for (int k = 1; k <= kSmallTerms; ++k) {
     power *= a / k;
-    sum += power * polygamma(k - 1, at);
+    const double term = power * polygamma(k - 1, at);
+    sum += term;
+    if (std::fabs(term) <= 0x1p-60 * std::fabs(sum)) break;
   }
   return {b >= 1.0 ? 1.0 : b / (a + b), sum - lgamma1p(a)};
 }
@@ -128,10 +136,10 @@ double power_terms_over_a_tiny(double a, double b, double x, double y) {
   return static_cast<double>(std::exp(la * log_x + lb * log_y + f.g + log_ratio));
 }
 
-// 1 - I_x(a, b) for a below kTiny where I_x(a, b) is near 1 (x < (a + 1)/(a + b + 2)), from the power series
+// 1 - I_x(a, b) for a below kSmall where I_x(a, b) is near 1 (x < (a + 1)/(a + b + 2)), from the power series
 // I_x(a, b) = x^a e^G (1 + a S), e^G = 1/(a B(a, b)), S = sum_{n>=1} (1-b)_n x^n / (n! (a + n)) (DiDonato and
 // Morris's BPSER): 1 - I_x = -expm1(a ln x + G) - e^(a ln x + G) a S, both parts without cancellation.
-double complement_tiny_a(double a, double b, double x) {
+double complement_small_a(double a, double b, double x) {
   double s = 0.0, term = 1.0;
   for (int n = 1; n < 2000; ++n) {
     term *= (n - b) / n * x;
@@ -240,12 +248,13 @@ BetaInc beta_inc_unclamped(double a, double b, double x) {
   if (first > 0.5) {
     const double fast_a = lower ? a : b, fast_b = lower ? b : a, fast_x = lower ? x : y;
     bool other_converged = true;
-    const double other = fast_a <= kTiny * std::max(fast_b, 1.0) ? complement_tiny_a(fast_a, fast_b, fast_x)
+    const bool series = fast_a <= kTiny * std::max(fast_b, 1.0) || (fast_a <= kSmall && fast_b * fast_x <= 1.0);
+    const double other = series ? complement_small_a(fast_a, fast_b, fast_x)
                          : lower ? fraction(b, a, y, x, other_converged)
                                  : fraction(a, b, x, y, other_converged);
     // Taken only where it agrees with 1 - first to first's absolute accuracy: for one parameter huge and the
     // other below 100 near the mean, the slow side's fraction can stop on a value far off, and the series of
-    // complement_tiny_a cancels once b x is large.
+    // complement_small_a cancels once b x is large.
     if (other_converged && std::fabs(other - second) <= kComplementAgreement) second = other;
   }
   return lower ? BetaInc{first, second, true} : BetaInc{second, first, true};

@@ -548,7 +548,21 @@ def incomplete_beta_tables(rng):
             add_skewed("skew_mid", 10 ** skewed.uniform(2, 4), 10 ** skewed.uniform(2, 10), where)
     for a, b, x in ((44.0, 4.5e104, 1.018e-103), (0.5, 1e20, 3e-21), (1e12, 50.0, 1 - 5.1e-11)):  # extreme ratios
         rows.append(("skew_small", (a, b, x), skewed_pair(a, b, x)))
+    rows += beta_small_pair_rows(betainc_checked)
     write("beta_inc", "I_x(a, b) and 1 - I_x(a, b)", rows)
+
+
+def beta_small_pair_rows(betainc_checked):
+    """The smaller parameter from 1e-4 to 1e-2, the other from 1e-3 to 10, x anywhere or near the end where I_x
+    is near 1 (its complement, as 1 - I_x, lost up to 7000 ulp there)."""
+    own = random.Random(SEED + 9)
+    rows = []
+    for _ in range(50):
+        s, other = 10 ** own.uniform(-4, -2), 10 ** own.uniform(-3, 1)
+        t = own.uniform(0, 1) if own.random() < 0.5 else 10 ** -own.uniform(1, 14)
+        a, b, x = (d(s), d(other), d(t)) if own.random() < 0.5 else (d(other), d(s), d(1 - mp.mpf(t)))
+        rows.append(("small_pair", (a, b, x), (betainc_checked(a, b, 0, x), betainc_checked(a, b, x, 1))))
+    return rows
 
 
 def coefficients():
