@@ -384,7 +384,20 @@ def faddeeva_tables(rng):
     for _ in range(80):  # lower half-plane to |z| = 1e3, |w| up to about 1e300
         x = more.choice([-1, 1]) * 10 ** more.uniform(-1, 3)
         add_checked("lower_far", x, -more.uniform(0, float(mp.sqrt(x * x + 690))))
+    rows += faddeeva_imaginary_axis_rows()
     write("faddeeva", "Re and Im of w(x + iy)", rows)
+
+
+def faddeeva_imaginary_axis_rows():
+    """Near the imaginary axis below Im z = 6, where Im w is small against |w| (the quadrature error of the
+    step 1/2 reached 42 ulp of Im w there)."""
+    own = random.Random(SEED + 8)
+    rows = []
+    for _ in range(40):
+        x, y = d(own.choice([-1, 1]) * 10 ** own.uniform(-8, 0)), d(own.uniform(3, 6))
+        v = faddeeva(mp.mpc(x, y))
+        rows.append(("imag_axis", (x, y), (v.real, v.imag)))
+    return rows
 
 
 def fresnel_tables(rng):
