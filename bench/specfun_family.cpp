@@ -101,8 +101,8 @@ void BM_InverseIncompleteGamma(benchmark::State& state) {
           [](const Point& p) { return p.b <= 0.5 ? boost::math::gamma_p_inv(p.a, p.b) : boost::math::gamma_q_inv(p.a, 1.0 - p.b); });
 }
 
-// Arguments: 0 = a, b in [0.5, 20], x uniform; 1 = a, b in [20, 1000], 2 = a, b in [1e5, 1e10], x within 3
-// standard deviations of the mean. Boost's ibeta against the pair of s14ccf.
+// Arguments: 0 = a, b in [0.5, 20], x uniform; 1 = a, b in [20, 1000], 2 = a, b in [1e5, 1e10], 3 = a in [1, 100]
+// and b 1e3 to 1e9 times a, x within 3 standard deviations of the mean. Boost's ibeta against the pair of s14ccf.
 void BM_IncompleteBeta(benchmark::State& state) {
   double (*const near_mean)(std::mt19937_64&, double, double) = [](auto& g, double a, double b) {
     const double m = a / (a + b);
@@ -114,6 +114,9 @@ void BM_IncompleteBeta(benchmark::State& state) {
                    [](auto& g, double, double) { return uniform(g, 0.0, 1.0); })
       : state.range(0) == 1
           ? points([](auto& g) { return log_uniform(g, 1.3, 3.0); }, [](auto& g, double) { return log_uniform(g, 1.3, 3.0); },
+                   near_mean)
+      : state.range(0) == 3
+          ? points([](auto& g) { return log_uniform(g, 0.0, 2.0); }, [](auto& g, double a) { return a * log_uniform(g, 3.0, 9.0); },
                    near_mean)
           : points([](auto& g) { return log_uniform(g, 5.0, 10.0); }, [](auto& g, double) { return log_uniform(g, 5.0, 10.0); },
                    near_mean);
@@ -166,7 +169,7 @@ void BM_Faddeeva(benchmark::State& state) {
 
 BENCHMARK(BM_IncompleteGamma)->Args({0, 0})->Args({0, 1})->Args({1, 0})->Args({1, 1})->ArgNames({"large", "pair"})->UseManualTime();
 BENCHMARK(BM_InverseIncompleteGamma)->UseManualTime();
-BENCHMARK(BM_IncompleteBeta)->Arg(0)->Arg(1)->Arg(2)->ArgNames({"large"})->UseManualTime();
+BENCHMARK(BM_IncompleteBeta)->Arg(0)->Arg(1)->Arg(2)->Arg(3)->ArgNames({"large"})->UseManualTime();
 BENCHMARK(BM_Polygamma)->Arg(0)->Arg(1)->Arg(3)->Arg(10)->ArgNames({"n"})->UseManualTime();
 BENCHMARK(BM_Faddeeva)->Arg(0)->Arg(1)->ArgNames({"lower"})->UseManualTime();
 BENCHMARK_MAIN();

@@ -4,8 +4,9 @@
 // converges quickly for x < (a + 1)/(a + b + 2); beyond, I_y(b, a) with y = 1 - x is evaluated and gives the
 // complement. When that side's value is the larger one the other side is evaluated as well, so both results
 // keep their relative accuracy. For a, b >= 100 near the mean, where the fraction cancels and converges slowly,
-// Temme's uniform asymptotic expansion (incomplete_beta_asymptotic.cpp). Should the fraction not converge, the
-// normal approximation is returned, flagged.
+// Temme's uniform asymptotic expansion (incomplete_beta_asymptotic.cpp); for one parameter 1000 times the other
+// (and 1) or more, the smaller below 1e5, the expansion for a >> b (incomplete_beta_skewed.cpp). Should the
+// fraction not converge, the normal approximation is returned, flagged.
 // The power term x^a y^b / B(a, b) is, for a, b >= 10, sqrt(ab / 2pi c) exp(-a D(u) - b D(v) + stirling
 // terms) with c = a + b, u = (x c - a)/a, v = -a u / b, D(u) = u - ln(1 + u) (the form in which the large
 // logarithms cancel analytically); otherwise x^a y^b / B(a, b) by pow, or by logarithms where it would underflow.
@@ -19,6 +20,7 @@
 
 #include "frame/constants.h"
 #include "specfun/incomplete_beta_asymptotic.h"
+#include "specfun/incomplete_beta_skewed.h"
 #include "specfun/log1pmx.h"
 #include "specfun/specfun.h"
 
@@ -29,6 +31,12 @@ constexpr double kEps = vek::constants::eps();
 constexpr double kTinyDenominator = 1e-300;
 // Parameters at most this (relative to the other, when that exceeds 1) take the tiny-parameter forms.
 constexpr double kTiny = 1e-5;
+// Where I is near 1, its complement for a parameter at most kSmall comes from the power series
+// (complement_small_a) while the other parameter times x is at most 1 (its terms then cancel by at most e):
+// as 1 - I, or from the fraction on its slow side, it lost up to 7000 ulp for the smaller parameter from 1e-4
+// to 1e-2. kSmallTerms Taylor terms suffice there.
+constexpr double kSmall = 1e-2;
+constexpr int kSmallTerms = 10;
 // Temme's expansion is used for a, b >= kAsymptoticMin and |a - (a + b) x| <= kAsymptoticWidth min(a, b)
 // (DiDonato and Morris's region; the fraction converges slowly and cancels there).
 constexpr double kAsymptoticMin = 100.0;
@@ -36,6 +44,12 @@ constexpr double kAsymptoticWidth = 0.03;
 // The largest absolute difference between 1 - I and the separately evaluated complement that is accepted
 // (I is within 32 ulps, so 1 - I is within 4e-15 of it).
 constexpr double kComplementAgreement = 1e-13;
+// One parameter below kSkewSmall and the other at least kSkewRatio times it (and 1) take the expansion for
+// a >> b: near the mean the fraction loses up to 1e-10 relative there (the smaller parameter from 1 to about
+// 1e4). From 1e5 up the uniform expansion and the fraction hold 2 ulps, while the expansion's terms would fall
+// more slowly (by min/(24 kSkewRatio^2) each, 4e-3 at 1e5).
+constexpr double kSkewSmall = 1e5;
+constexpr double kSkewRatio = 1e3;
 
 // -a D(u), D(u) = u - ln(1 + u), where a u = a_u and 1 + u = ratio = t c / a for the variable t (x or y) of this
 // term: the series where it has no cancellation; else, when t <= 1/2 (then t is exact, while the other of x, y
@@ -86,11 +100,11 @@ double power_terms(double a, double b, double x, double y) {
   return static_cast<double>(std::exp(la * log_x + lb * log_y + log_inverse_beta));
 }
 
-// 1/(a B(a, b)) = Gamma(a + b)/(Gamma(1 + a) Gamma(b)) = ratio e^g for a <= kTiny max(b, 1), with g small: from
+// 1/(a B(a, b)) = Gamma(a + b)/(Gamma(1 + a) Gamma(b)) = ratio e^g for a <= max(kSmall, kTiny b), with g small: from
 // b >= 1, ratio = 1 and g = [ln Gamma(b + a) - ln Gamma(b)] - ln Gamma(1 + a); below 1, through Gamma(b + a)/Gamma(b)
 // = (b/(b + a)) Gamma(1 + b + a)/Gamma(1 + b), ratio = b/(a + b) (kept apart: its logarithm reaches -744 for
-// subnormal a, and rounded it would cost hundreds of ulps). The shifted ln Gamma by Taylor's series in a, four
-// terms, each about a / max(b, 1) times the one before.
+// subnormal a, and rounded it would cost hundreds of ulps). The shifted ln Gamma by Taylor's series in a, each
+// term about a / max(b, 1) times the one before: four terms below kTiny, up to ten at kSmall.
 struct InverseABeta {
   double ratio;
   double g;
@@ -98,9 +112,11 @@ struct InverseABeta {
 InverseABeta inverse_a_beta(double a, double b) {
   const double at = b >= 1.0 ? b : 1.0 + b;
   double sum = 0.0, power = 1.0;
-  for (int k = 1; k <= 4; ++k) {
+  for (int k = 1; k <= kSmallTerms; ++k) {
     power *= a / k;
-    sum += power * polygamma(k - 1, at);
+    const double term = power * polygamma(k - 1, at);
+    sum += term;
+    if (std::fabs(term) <= 0x1p-60 * std::fabs(sum)) break;
   }
   return {b >= 1.0 ? 1.0 : b / (a + b), sum - lgamma1p(a)};
 }
@@ -120,10 +136,10 @@ double power_terms_over_a_tiny(double a, double b, double x, double y) {
   return static_cast<double>(std::exp(la * log_x + lb * log_y + f.g + log_ratio));
 }
 
-// 1 - I_x(a, b) for a below kTiny where I_x(a, b) is near 1 (x < (a + 1)/(a + b + 2)), from the power series
+// 1 - I_x(a, b) for a below kSmall where I_x(a, b) is near 1 (x < (a + 1)/(a + b + 2)), from the power series
 // I_x(a, b) = x^a e^G (1 + a S), e^G = 1/(a B(a, b)), S = sum_{n>=1} (1-b)_n x^n / (n! (a + n)) (DiDonato and
 // Morris's BPSER): 1 - I_x = -expm1(a ln x + G) - e^(a ln x + G) a S, both parts without cancellation.
-double complement_tiny_a(double a, double b, double x) {
+double complement_small_a(double a, double b, double x) {
   double s = 0.0, term = 1.0;
   for (int n = 1; n < 2000; ++n) {
     term *= (n - b) / n * x;
@@ -137,8 +153,6 @@ double complement_tiny_a(double a, double b, double x) {
 }
 
 // I_x(a, b) by the continued fraction, for x below the mean-like point (a + 1)/(a + b + 2).
-constexpr double kGammaLimitSmall = 100.0;
-constexpr double kGammaLimitRatio = 1e9;
 
 double fraction(double a, double b, double x, double y, bool& converged) {
   // Near the mean the fraction needs about 4.5 max(a, b)^(1/3) terms (850000 at a = b = 1e16); beyond the
@@ -218,16 +232,11 @@ BetaInc beta_inc_unclamped(double a, double b, double x) {
       return {0.5 + (0.5 - w1), w1, true};
     }
   }
-  // One parameter below 100 and the other beyond 1e9 times it: the gamma limit, I_x(a, b) = P(a, w) with
-  // w = -(b + (a - 1)/2) ln(1 - x), whose error falls as b^-2 (there the fraction in 1 - x would lose x's
-  // digits near the mean).
-  if (std::min(a, b) < kGammaLimitSmall && std::max(a, b) >= kGammaLimitRatio * std::max(std::min(a, b), 1.0)) {
-    if (b > a) {
-      const GammaPQ g = gamma_pq(a, (b + 0.5 * (a - 1.0)) * -std::log1p(-x));
-      return {g.p, g.q, g.converged};
-    }
-    const GammaPQ g = gamma_pq(b, (a + 0.5 * (b - 1.0)) * -std::log(x));
-    return {g.q, g.p, g.converged};
+  // One parameter far larger than the other: the expansion for a >> b, whose terms fall by b^3 / a^2.
+  if (std::min(a, b) < kSkewSmall && std::max(a, b) >= kSkewRatio * std::max(std::min(a, b), 1.0)) {
+    if (a > b) return beta_inc_skewed(a, b, x, y);
+    const BetaInc r = beta_inc_skewed(b, a, y, x);
+    return {r.w1, r.w, r.converged};
   }
   // The fraction is evaluated on the side where it converges fast; when that side is the larger value (as
   // can happen for small a, b), the other side is evaluated as well.
@@ -239,12 +248,13 @@ BetaInc beta_inc_unclamped(double a, double b, double x) {
   if (first > 0.5) {
     const double fast_a = lower ? a : b, fast_b = lower ? b : a, fast_x = lower ? x : y;
     bool other_converged = true;
-    const double other = fast_a <= kTiny * std::max(fast_b, 1.0) ? complement_tiny_a(fast_a, fast_b, fast_x)
+    const bool series = fast_a <= kTiny * std::max(fast_b, 1.0) || (fast_a <= kSmall && fast_b * fast_x <= 1.0);
+    const double other = series ? complement_small_a(fast_a, fast_b, fast_x)
                          : lower ? fraction(b, a, y, x, other_converged)
                                  : fraction(a, b, x, y, other_converged);
     // Taken only where it agrees with 1 - first to first's absolute accuracy: for one parameter huge and the
     // other below 100 near the mean, the slow side's fraction can stop on a value far off, and the series of
-    // complement_tiny_a cancels once b x is large.
+    // complement_small_a cancels once b x is large.
     if (other_converged && std::fabs(other - second) <= kComplementAgreement) second = other;
   }
   return lower ? BetaInc{first, second, true} : BetaInc{second, first, true};

@@ -147,7 +147,7 @@ TEST(GammaFamily, NonConvergenceAndHugeParameters) {
   const double z = (third - 1.0L / 3.0L) / sd;
   EXPECT_NEAR(w, 0.5 * std::erfc(-z / std::sqrt(2.0)), 1e-9);
   EXPECT_NEAR(w + w1, 1.0, 1e-15);
-  // One parameter below 100 and the other beyond 1e9 times it: the gamma limit. References: mpmath at 40
+  // One parameter below 100 and the other beyond 1e9 times it: the expansion for a >> b. References: mpmath at 40
   // digits for the double arguments (its hypergeometric series fails for the 1e104 case, whose mean is 9.8e-104
   // and deviation 1.5e-104: there the value must at least be a probability near Phi(0.27) = 0.6).
   const double gamma_limit[][4] = {{50, 1e12, 5.1e-11, 0.57439485965628927813},

@@ -245,7 +245,19 @@ def incomplete_gamma_tables(rng):
         x = d(a + more.uniform(-6, 6) * mp.sqrt(a))
         rows.append(("huge_a", (a, x), tails_by_quadrature(a, x)))
     rows.append(("huge_a", (9999743624.91, 9999574778.44745), tails_by_quadrature(9999743624.91, 9999574778.44745)))
+    rows += gamma_small_a_beyond_rows()
     write("gamma_pq", "P(a, x) and Q(a, x)", rows)
+
+
+def gamma_small_a_beyond_rows():
+    """a from 0.1 to 1 and x from 1.1 to a + 1, where Q is as small as 0.02 (1 - P lost 130 ulp there)."""
+    own = random.Random(SEED + 7)
+    rows = []
+    for _ in range(40):
+        a = d(own.uniform(0.1, 1))
+        x = d(own.uniform(1.1, a + 1))
+        rows.append(("small_a", (a, x), (gamma_p_series(a, x), gamma_upper(a, x))))
+    return rows
 
 
 def inverse_gamma_tables(rng):
@@ -372,7 +384,20 @@ def faddeeva_tables(rng):
     for _ in range(80):  # lower half-plane to |z| = 1e3, |w| up to about 1e300
         x = more.choice([-1, 1]) * 10 ** more.uniform(-1, 3)
         add_checked("lower_far", x, -more.uniform(0, float(mp.sqrt(x * x + 690))))
+    rows += faddeeva_imaginary_axis_rows()
     write("faddeeva", "Re and Im of w(x + iy)", rows)
+
+
+def faddeeva_imaginary_axis_rows():
+    """Near the imaginary axis below Im z = 6, where Im w is small against |w| (the quadrature error of the
+    step 1/2 reached 42 ulp of Im w there)."""
+    own = random.Random(SEED + 8)
+    rows = []
+    for _ in range(40):
+        x, y = d(own.choice([-1, 1]) * 10 ** own.uniform(-8, 0)), d(own.uniform(3, 6))
+        v = faddeeva(mp.mpc(x, y))
+        rows.append(("imag_axis", (x, y), (v.real, v.imag)))
+    return rows
 
 
 def fresnel_tables(rng):
@@ -427,7 +452,7 @@ def incomplete_beta_tables(rng):
         a, b, x = mp.mpf(a), mp.mpf(b), mp.mpf(x)
         term = total = mp.mpf(1)
         n = 0
-        while term > total * mp.mpf(10) ** -55:
+        while term > total * mp.mpf(10) ** -(mp.mp.dps + 5):  # 1e-55 at the default 50 digits
             term *= x * (a + b + n) / (a + 1 + n)
             total += term
             n += 1
@@ -490,7 +515,67 @@ def incomplete_beta_tables(rng):
         m = mp.mpf(a) / (a + b)
         x = d(m + beyond.uniform(-5, 5) * mp.sqrt(m * (1 - m) / (a + b + 1)))
         rows.append(("beyond", (a, b, x), tails_by_quadrature(a, b, x)))
+
+    def skewed_pair(a, b, x):
+        """I_x(a, b) and 1 - I_x(a, b) for one parameter far larger than the other: the positive series of
+        lower_series in the small parameter's variable t, the other value as its complement, the working
+        precision raised until that complement keeps 45 digits."""
+        small_first = a < b
+        s, big = (a, b) if small_first else (b, a)
+        t = mp.mpf(x) if small_first else 1 - mp.mpf(x)
+        dps = 60
+        while True:
+            with mp.workdps(dps):
+                w = lower_series(s, big, t)
+                c = 1 - w
+                if c > 0 and 45 - mp.log10(c) < dps:
+                    break
+                dps = 2 * dps if c <= 0 else int(60 - mp.log10(c))
+        return (+w, +c) if small_first else (+c, +w)
+
+    skewed = random.Random(SEED + 6)
+
+    def add_skewed(region, s, ratio, where):
+        """The smaller parameter s, the larger s * ratio (either order); t, the small parameter's variable,
+        within 5 standard deviations of its mean, in its lower tail (down to about 1e-300) or its upper tail."""
+        big = s * ratio
+        m = mp.mpf(s) / (s + big)
+        if where == "mean":
+            t = m + skewed.uniform(-5, 5) * mp.sqrt(m * (1 - m) / (s + big + 1))
+        elif where == "lower":
+            t = m * mp.mpf(10) ** -skewed.uniform(0.2, min(280 / s, 20))
+        else:
+            t = (s + skewed.uniform(2 * mp.sqrt(s), 650 + 40 * mp.sqrt(s))) / (s + big)
+        t = d(t)
+        if not 0 < t < 0.5:
+            return
+        a, b, x = (d(s), d(big), t) if skewed.random() < 0.5 else (d(big), d(s), d(1 - mp.mpf(t)))
+        rows.append((region, (a, b, x), skewed_pair(a, b, x)))
+
+    # One parameter from 1 to 100 (then 100 to 1e4) and the other 1e2 to 1e10 times it: the transition from
+    # the continued fraction to the expansion for a >> b at 1e3 times, and the former gamma limit at 1e9.
+    for where, count in (("mean", 70), ("lower", 35), ("upper", 35)):
+        for _ in range(count):
+            add_skewed("skew_small", 10 ** skewed.uniform(0, 2), 10 ** skewed.uniform(2, 10), where)
+        for _ in range(count // 3):
+            add_skewed("skew_mid", 10 ** skewed.uniform(2, 4), 10 ** skewed.uniform(2, 10), where)
+    for a, b, x in ((44.0, 4.5e104, 1.018e-103), (0.5, 1e20, 3e-21), (1e12, 50.0, 1 - 5.1e-11)):  # extreme ratios
+        rows.append(("skew_small", (a, b, x), skewed_pair(a, b, x)))
+    rows += beta_small_pair_rows(betainc_checked)
     write("beta_inc", "I_x(a, b) and 1 - I_x(a, b)", rows)
+
+
+def beta_small_pair_rows(betainc_checked):
+    """The smaller parameter from 1e-4 to 1e-2, the other from 1e-3 to 10, x anywhere or near the end where I_x
+    is near 1 (its complement, as 1 - I_x, lost up to 7000 ulp there)."""
+    own = random.Random(SEED + 9)
+    rows = []
+    for _ in range(50):
+        s, other = 10 ** own.uniform(-4, -2), 10 ** own.uniform(-3, 1)
+        t = own.uniform(0, 1) if own.random() < 0.5 else 10 ** -own.uniform(1, 14)
+        a, b, x = (d(s), d(other), d(t)) if own.random() < 0.5 else (d(other), d(s), d(1 - mp.mpf(t)))
+        rows.append(("small_pair", (a, b, x), (betainc_checked(a, b, 0, x), betainc_checked(a, b, x, 1))))
+    return rows
 
 
 def coefficients():
@@ -498,6 +583,8 @@ def coefficients():
                                [1 - mp.euler] + [(-1) ** k * (mp.zeta(k) - 1) / k for k in range(2, 30)]])
     root = mp.findroot(mp.digamma, 1.46)
     print("psi root:", repr(float(root)), repr(float(root - mp.mpf(float(root)))))
+    print("ln(sinh z / z) in (2z)^2k, B_2k / (2k (2k)!):",
+          [mp.nstr(mp.bernoulli(2 * k) / (2 * k * mp.factorial(2 * k)), 21) for k in range(1, 13)])
     print("psi about its root:", [mp.nstr(mp.polygamma(k, root) / mp.factorial(k), 17) for k in range(1, 40)])
 
 
