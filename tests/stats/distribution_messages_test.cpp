@@ -75,6 +75,16 @@ TEST(DistributionMessages, ProbabilitiesInTheirDeclaredOrder) {
                 {" ** On entry, L = 11 and N = 7.", " ** Constraint: 0 <= L <= N."}, "G01BLF");
   expect_report([&](int64_t* f) { g01blf_(&lu, &big, &l, &n, &k, f, 1); }, 4,
                 {" ** On entry, M = -2 and N = 11.", " ** Constraint: 0 <= M <= N."}, "G01BLF");
+  // The logarithms of the tails check as G01EAF and G01EFF do.
+  expect_report([&](int64_t* f) { g01erf_(&tail, &t, f, 1); }, 1,
+                {" ** On entry, TAIL is an invalid character: TAIL = 'X'"}, "G01ERF");
+  expect_report([&](int64_t* f) { g01esf_(&c, &neg, &df, &df, f, 1); }, 1, {kTail + "c'"}, "G01ESF");
+  expect_report([&](int64_t* f) { g01esf_(&lu, &neg, &df, &df, f, 1); }, 2,
+                {" ** On entry, G = -0.5.", " ** Constraint: G >= 0.0."}, "G01ESF");
+  expect_report([&](int64_t* f) { g01esf_(&lu, &one, &df, &df, f, 1); }, 3,
+                {" ** On entry, A = -1.", " ** Constraint: A > 0.0."}, "G01ESF");
+  expect_report([&](int64_t* f) { g01esf_(&lu, &one, &one, &neg, f, 1); }, 3,
+                {" ** On entry, B = -0.5.", " ** Constraint: B > 0.0."}, "G01ESF");
 }
 
 TEST(DistributionMessages, DeviatesCheckTailThenPThenParameters) {
@@ -157,7 +167,7 @@ TEST(DistributionValues, ExactValuesLimitsAndDefinedResults) {
   char u = 'U';
   double f = 1.5, d1 = 4.0, d2 = inf, x = 6.0;
   EXPECT_EQ(g01edf_(&u, &f, &d1, &d2, &ifail, 1), call(g01ecf_, 'U', x, 4.0));
-  double b = 0.3, one = 1.0;
+  double b = 0.3, one = 1.0, inf_point = inf;
   EXPECT_NEAR(g01eef_(&u, &b, &one, &one, &ifail, 1), 0.7, 1e-16);
   // Discrete ends: k below the support, at its top, and a Poisson of mean 0.
   int64_t kneg = -1, n = 10, k10 = 10, k0 = 0;
@@ -174,6 +184,23 @@ TEST(DistributionValues, ExactValuesLimitsAndDefinedResults) {
   int64_t pop = 20, marked = 7, k6 = 6, k7 = 7;
   EXPECT_EQ(g01blf_(&l, &pop, &pop, &marked, &k6, &ifail, 1), 0.0);
   EXPECT_EQ(g01blf_(&l, &pop, &pop, &marked, &k7, &ifail, 1), 1.0);
+  // Logarithms of tails at the ends: ln 1 = 0 and ln 0 = -inf exactly, -inf where x^2 overflows, NaN kept.
+  const char lucs[] = "LUCS";
+  for (double point : {-inf, inf, -1e160}) {
+    const double lower = point < 0.0 ? -inf : 0.0, ends[] = {lower, point < 0.0 ? 0.0 : -inf, 0.0, -inf};
+    for (int j = 0; j < 4; ++j) EXPECT_EQ(g01erf_(&lucs[j], &point, &ifail, 1), ends[j]) << point << lucs[j];
+  }
+  EXPECT_EQ(g01erf_(&lucs[2], &zero, &ifail, 1), -inf);
+  EXPECT_EQ(g01erf_(&lucs[3], &zero, &ifail, 1), 0.0);
+  double nan = NAN, half = 0.5, two = 2.0;
+  EXPECT_TRUE(std::isnan(g01erf_(&lucs[0], &nan, &ifail, 1)));
+  EXPECT_EQ(g01esf_(&l, &zero, &half, &two, &ifail, 1), -inf);
+  EXPECT_EQ(g01esf_(&u, &zero, &half, &two, &ifail, 1), 0.0);
+  EXPECT_EQ(g01esf_(&l, &inf_point, &half, &two, &ifail, 1), 0.0);
+  EXPECT_EQ(g01esf_(&u, &inf_point, &half, &two, &ifail, 1), -inf);
+  // Shape 1 is the exponential: ln Q = -x exactly in closed form, far beyond Q's underflow.
+  double far = 3e4;
+  EXPECT_NEAR(g01esf_(&u, &far, &one, &two, &ifail, 1), -1.5e4, 1.5e4 * 4e-16);
   EXPECT_EQ(ifail, 0);
 }
 

@@ -111,9 +111,34 @@ std::vector<Distribution> distributions() {
   return d;
 }
 
+// The logarithms of the tails, relative to the logarithm, far beyond the underflow of the tails.
+void check_log_tails(RegionErrors& errors) {
+  const auto normal = distribution_table("normal_log.txt");
+  ASSERT_GT(normal.size(), 50U);
+  for (const auto& r : normal) {
+    for (size_t k = 0; k < 4; ++k) {
+      const char tail = "LUCS"[k];
+      const double got = ok([&](int64_t* f) { return g01erf_(&tail, &r.v[0], f, 1); });
+      errors.add(r.region, relative_ulps(got, r.v[1 + k]));
+      const char lc = lower_case(tail);
+      EXPECT_EQ(ok([&](int64_t* f) { return g01erf_(&lc, &r.v[0], f, 1); }), got);
+    }
+  }
+  const auto gamma = distribution_table("gamma_log.txt");
+  ASSERT_GT(gamma.size(), 20U);
+  for (const auto& r : gamma) {
+    for (size_t k = 0; k < 2; ++k) {
+      const char tail = "LU"[k];
+      const double got = ok([&](int64_t* f) { return g01esf_(&tail, &r.v[0], &r.v[1], &r.v[2], f, 1); });
+      errors.add(r.region, relative_ulps(got, r.v[3 + k]));
+    }
+  }
+}
+
 TEST(Distributions, AccuracyAgainstReferenceWithinTheKeptBounds) {
   RegionErrors errors;
   for (const auto& d : distributions()) check(d, errors);
+  check_log_tails(errors);
   const auto bounds = RegionErrors::bounds();
   for (const auto& [region, err] : errors.max()) {
     std::printf("%-28s max %.3g ulp\n", region.c_str(), err);

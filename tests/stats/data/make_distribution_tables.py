@@ -15,8 +15,11 @@ deviate round trips use for their conditioning). t.txt also has the central and 
     poisson.txt         region k lambda lower upper               (lower P(X <= k), upper P(X > k))
     binomial.txt        region k n p lower upper
     hypergeometric.txt  region k n l m lower upper                (l drawn from n, m marked)
+    normal_log.txt      region x  ln lower, ln upper, ln central, ln significance
+    gamma_log.txt       region g a b  ln lower, ln upper
 
-Rows whose smaller tail is below 1e-300 are left out. The incomplete gamma function for large shapes and the
+Rows whose smaller tail is below 1e-300 are left out, except in the two tables of logarithms of tails, which
+reach far beyond the underflow. The incomplete gamma function for large shapes and the
 discrete tails are summed term by term here (mpmath's hypergeometric series stall there).
 
     python3 make_distribution_tables.py
@@ -278,6 +281,33 @@ def hypergeometric_rows(rng):
     return rows
 
 
+def log_pair(lower, upper):
+    """ln of both tails, the larger as log1p of minus the smaller (its ln would round to 0 at 1 - 1e-100)."""
+    return [mp.log(lower) if lower <= upper else mp.log1p(-upper),
+            mp.log(upper) if upper <= lower else mp.log1p(-lower)]
+
+
+def log_rows(rng):
+    normal, gamma = [], []
+    xs = [("normal_log", rng.uniform(-38, 38)) for _ in range(40)]
+    xs += [("normal_log_far", rng.choice([-1, 1]) * 10 ** rng.uniform(1.6, 150)) for _ in range(40)]
+    for region, x in xs:
+        m = mp.mpf(x)
+        with mp.workdps(60):
+            lo, up = log_pair(mp.ncdf(m), mp.ncdf(-m))
+            cen, sig = log_pair(mp.erf(abs(m) / mp.sqrt(2)), mp.erfc(abs(m) / mp.sqrt(2)))
+            normal.append([region, "%.17g" % x] + [s(v) for v in (lo, up, cen, sig)])
+    for _ in range(30):
+        a = 10 ** rng.uniform(-1, 2)
+        g = a + 10 ** rng.uniform(1, 4) if rng.random() < 0.5 else 10 ** rng.uniform(-300, -1)
+        b = rng.choice([1.0, 2.0, 0.25])
+        A, X = mp.mpf(a), mp.mpf(g * b) / mp.mpf(b)
+        with mp.workdps(60):
+            gamma.append(["gamma_log", "%.17g" % (g * b), "%.17g" % a, "%.17g" % b]
+                         + [s(v) for v in log_pair(lgam(A, X), ugam(A, X))])
+    return normal, gamma
+
+
 def main():
     rng = random.Random(20261124)
     write("t.txt", "region t df lower upper central significance density", t_rows(rng))
@@ -289,6 +319,9 @@ def main():
     write("poisson.txt", "region k lambda lower upper", poisson_rows(rng))
     write("binomial.txt", "region k n p lower upper", binomial_rows(rng))
     write("hypergeometric.txt", "region k n l m lower upper", hypergeometric_rows(rng))
+    normal, gamma = log_rows(rng)
+    write("normal_log.txt", "region x ln-lower ln-upper ln-central ln-significance", normal)
+    write("gamma_log.txt", "region g a b ln-lower ln-upper", gamma)
 
 
 if __name__ == "__main__":

@@ -4,7 +4,8 @@
 Not part of the tests: run by hand where Debian's python3-scipy is installed (/usr/bin/python3). For each
 region it prints the largest relative error of SciPy's cdf and sf over both tails, in units of 2^-52 (below
 the normal range in units of the subnormal spacing), measured as distributions_test.cpp measures the library,
-and the same for its ppf and isf against the table's point (scaled by |x| + P/density).
+and the same for its ppf and isf against the table's point (scaled by |x| + P/density); for the tables of
+logarithms of tails, logcdf and logsf.
 
     /usr/bin/python3 scipy_distribution_column.py
 """
@@ -62,6 +63,12 @@ def main():
                     err = abs(float(inv(p)) - x) / ((abs(x) + p / density) * 2.0 ** -52)
                     key = name[:-4] + "_deviate"
                     worst[key] = max(worst[key], err if math.isfinite(err) else math.inf)
+    logs = {"normal_log.txt": (0, lambda v: stats.norm()), "gamma_log.txt": (2, lambda v: stats.gamma(v[1], scale=v[2]))}
+    for name, (params, make) in logs.items():
+        for region, v, text in rows(name):
+            d, x = make(v), v[0]
+            lower, upper = text[1 + params], text[2 + params]
+            worst[region] = max(worst[region], ulps(float(d.logcdf(x)), lower), ulps(float(d.logsf(x)), upper))
     for region in sorted(worst):
         print("%-24s %.3g" % (region, worst[region]))
 
