@@ -12,6 +12,7 @@
 #include <random>
 #include <vector>
 
+#include "boost_comparison.h"
 #include "vek.h"
 
 namespace {
@@ -32,30 +33,6 @@ std::vector<Point> points(double x_lo, double x_hi, double a_lo, double a_hi, bo
     p.b = 1.0;
   }
   return v;
-}
-
-template <class F>
-double ns_per_call(const std::vector<Point>& pts, F f) {
-  double sum = 0.0;
-  const auto t0 = std::chrono::steady_clock::now();
-  for (const Point& p : pts) sum += f(p);
-  const auto t1 = std::chrono::steady_clock::now();
-  benchmark::DoNotOptimize(sum);
-  return std::chrono::duration<double, std::nano>(t1 - t0).count() / static_cast<double>(pts.size());
-}
-
-template <class Vek, class Boost>
-void compare(benchmark::State& state, const std::vector<Point>& pts, Vek vek, Boost boost) {
-  double vek_ns = 0.0, boost_ns = 0.0;
-  for (auto _ : state) {
-    const double ns = ns_per_call(pts, vek);
-    vek_ns += ns;
-    boost_ns += ns_per_call(pts, boost);
-  }
-  const double runs = static_cast<double>(state.iterations());
-  state.counters["vek_ns"] = vek_ns / runs;
-  state.counters["boost_ns"] = boost_ns / runs;
-  state.counters["vs_boost"] = vek_ns / boost_ns;
 }
 
 // x in [-6, 6], the upper tail.

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "frame/text.h"
 #include "random/inverse_normal.h"
 #include "specfun/specfun.h"
 
@@ -31,6 +32,8 @@ Tail tail_of(char letter) {
     default: return Tail::significance;
   }
 }
+
+Tail tail_of(const char* tail, int64_t len) { return tail_of(text::option_letter(tail, len)); }
 
 double normal_probability(Tail tail, double x) {
   switch (tail) {

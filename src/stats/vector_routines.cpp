@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "frame/text.h"
 #include "frame/threads.h"
 #include "layers/g01.h"
 #include "stats/continuous.h"
@@ -36,14 +35,12 @@ int64_t evaluate(int64_t n, double* p, int64_t* ivalid, Point point) {
 // Point i's value of a parameter array of length len, taken cyclically.
 double cyclic(const double* v, int64_t len, int64_t i) { return v[i % len]; }
 
-stats::Tail tail_arg(const char* tail, int64_t len) { return stats::tail_of(text::option_letter(tail, len)); }
-
 }  // namespace
 
 void g01saf::run(frame::ErrorBuffer& err, const char* tail, const int64_t* n, const double* x, const int64_t* lxmu,
                  const double* xmu, const int64_t* lxstd, const double* xstd, double* p, int64_t* ivalid,
                  int64_t tail_len) {
-  const stats::Tail t = tail_arg(tail, tail_len);
+  const stats::Tail t = stats::tail_of(tail, tail_len);
   const int64_t bad = evaluate(*n, p, ivalid, [&](int64_t i) {
     const double sd = cyclic(xstd, *lxstd, i);
     if (!(sd > 0.0)) return PointResult{0.0, 1};
@@ -54,7 +51,7 @@ void g01saf::run(frame::ErrorBuffer& err, const char* tail, const int64_t* n, co
 
 void g01sbf::run(frame::ErrorBuffer& err, const char* tail, const int64_t* n, const double* t, const int64_t* ldf,
                  const double* df, double* p, int64_t* ivalid, int64_t tail_len) {
-  const stats::Tail which = tail_arg(tail, tail_len);
+  const stats::Tail which = stats::tail_of(tail, tail_len);
   const int64_t bad = evaluate(*n, p, ivalid, [&](int64_t i) {
     const double d = cyclic(df, *ldf, i);
     if (!(d > 0.0)) return PointResult{0.0, 1};
@@ -65,7 +62,7 @@ void g01sbf::run(frame::ErrorBuffer& err, const char* tail, const int64_t* n, co
 
 void g01scf::run(frame::ErrorBuffer& err, const char* tail, const int64_t* n, const double* x, const int64_t* ldf,
                  const double* df, double* p, int64_t* ivalid, int64_t tail_len) {
-  const stats::Tail which = tail_arg(tail, tail_len);
+  const stats::Tail which = stats::tail_of(tail, tail_len);
   const int64_t bad = evaluate(*n, p, ivalid, [&](int64_t i) {
     const double d = cyclic(df, *ldf, i);
     if (!(x[i] >= 0.0)) return PointResult{0.0, 1};
@@ -77,7 +74,7 @@ void g01scf::run(frame::ErrorBuffer& err, const char* tail, const int64_t* n, co
 
 void g01sff::run(frame::ErrorBuffer& err, const char* tail, const int64_t* n, const double* g, const int64_t* la,
                  const double* a, const int64_t* lb, const double* b, double* p, int64_t* ivalid, int64_t tail_len) {
-  const stats::Tail which = tail_arg(tail, tail_len);
+  const stats::Tail which = stats::tail_of(tail, tail_len);
   const int64_t bad = evaluate(*n, p, ivalid, [&](int64_t i) {
     const double shape = cyclic(a, *la, i), scale = cyclic(b, *lb, i);
     if (!(g[i] >= 0.0)) return PointResult{0.0, 1};
