@@ -10,11 +10,11 @@
 #include <boost/math/special_functions/gamma.hpp>
 #include <boost/math/special_functions/polygamma.hpp>
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <random>
 #include <vector>
 
+#include "boost_comparison.h"
 #include "vek.h"
 
 namespace {
@@ -24,31 +24,6 @@ constexpr size_t kPoints = 2048;
 struct Point {
   double a, b, c;
 };
-
-template <class F>
-double ns_per_call(const std::vector<Point>& pts, F f) {
-  double sum = 0.0;
-  const auto t0 = std::chrono::steady_clock::now();
-  for (const Point& p : pts) sum += f(p);
-  const auto t1 = std::chrono::steady_clock::now();
-  benchmark::DoNotOptimize(sum);
-  return std::chrono::duration<double, std::nano>(t1 - t0).count() / static_cast<double>(pts.size());
-}
-
-template <class Vek, class Boost>
-void compare(benchmark::State& state, const std::vector<Point>& pts, Vek vek, Boost boost) {
-  double vek_ns = 0.0, boost_ns = 0.0;
-  for (auto _ : state) {
-    const double ns = ns_per_call(pts, vek);
-    vek_ns += ns;
-    state.SetIterationTime(ns * 1e-9 * static_cast<double>(pts.size()));
-    boost_ns += ns_per_call(pts, boost);
-  }
-  const double runs = static_cast<double>(state.iterations());
-  state.counters["vek_ns"] = vek_ns / runs;
-  state.counters["boost_ns"] = boost_ns / runs;
-  state.counters["vs_boost"] = vek_ns / boost_ns;
-}
 
 std::vector<Point> points(double (*make_a)(std::mt19937_64&), double (*make_b)(std::mt19937_64&, double),
                           double (*make_c)(std::mt19937_64&, double, double)) {
