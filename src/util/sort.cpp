@@ -89,9 +89,9 @@ int64_t piece_start(int64_t k, int64_t n, int64_t pieces) { return k * (n / piec
 
 // One parallel region: a piece per thread (static schedule), then pairwise merges in log2(team) rounds. In
 // the round of width `step` the runs are pieces [k, k + step) for k a multiple of step; a run at an even
-// multiple with a partner is a left run. Each thread copies its own piece of a left run to the workspace, so
-// the copy (and the first touch of the workspace's pages) is shared among the threads; after a barrier the
-// first thread of each pair merges it. Then the zeros and the reversal.
+// multiple with a partner is merged with it by all the threads of both runs. Each thread copies its own piece
+// to the workspace (so the copy, and the first touch of the workspace's pages, is shared); after a barrier
+// each writes an equal share of the merged run back into the vector. Then the zeros and the reversal.
 template <class T>
 void sort_parallel(std::span<T> v, int64_t numbers, T* work, int threads, Order order, SortPath path) {
   T* a = v.data();
@@ -103,10 +103,15 @@ void sort_parallel(std::span<T> v, int64_t numbers, T* work, int threads, Order 
     sort_piece(std::span<T>(a + start(t), static_cast<size_t>(start(t + 1) - start(t))), path);
     for (int64_t step = 1; step < team; step *= 2) {
       const int64_t pair = t - t % (2 * step);
-      if (t - pair < step && pair + step < team) std::copy(a + start(t), a + start(t + 1), work + start(t));
+      const bool merging = pair + step < team;
+      if (merging) std::copy(a + start(t), a + start(t + 1), work + start(t));
 #pragma omp barrier
-      if (t == pair && pair + step < team)
-        merge_copied_run(a, work, start(pair), start(pair + step) - 1, start(pair + 2 * step) - 1, Ascending{});
+      if (merging) {
+        const int64_t lo = start(pair), mid = start(pair + step), hi = start(pair + 2 * step);
+        const int64_t members = std::min(2 * step, team - pair), share = t - pair;
+        const int64_t first = (hi - lo) * share / members, last = (hi - lo) * (share + 1) / members;
+        merge_piece(work + lo, mid - lo, work + mid, hi - mid, first, last, a + lo + first, Ascending{});
+      }
 #pragma omp barrier
     }
 #pragma omp single
