@@ -20,41 +20,37 @@ SortPath widest() {
   return path;
 }
 
-std::atomic<SortPath> chosen{SortPath::scalar};
-std::atomic<bool> is_chosen{false};
+// The path a test or benchmark chose, or -1.
+std::atomic<int> chosen{-1};
+
+template <class T>
+bool sort_on(SortPath path, std::span<T> a) {
+  const auto n = static_cast<int64_t>(a.size());
+  switch (path) {
+    case SortPath::avx512: vector_sort_detail::sort_avx512(a.data(), n); return true;
+    case SortPath::avx2: vector_sort_detail::sort_avx2(a.data(), n); return true;
+    case SortPath::scalar: return false;
+  }
+  return false;
+}
 
 }  // namespace
 
 bool sort_path_available(SortPath path) { return static_cast<int>(path) <= static_cast<int>(widest()); }
 
-SortPath sort_path() { return is_chosen.load(std::memory_order_relaxed) ? chosen.load(std::memory_order_relaxed) : widest(); }
+SortPath sort_path() {
+  const int path = chosen.load(std::memory_order_relaxed);
+  return path < 0 ? widest() : static_cast<SortPath>(path);
+}
 
 void use_sort_path(SortPath path) {
-  chosen.store(sort_path_available(path) ? path : widest(), std::memory_order_relaxed);
-  is_chosen.store(true, std::memory_order_relaxed);
+  chosen.store(static_cast<int>(sort_path_available(path) ? path : widest()), std::memory_order_relaxed);
 }
 
-void use_best_sort_path() { is_chosen.store(false, std::memory_order_relaxed); }
+void use_best_sort_path() { chosen.store(-1, std::memory_order_relaxed); }
 
-bool vector_sort(SortPath path, std::span<double> a) {
-  const auto n = static_cast<int64_t>(a.size());
-  switch (path) {
-    case SortPath::avx512: vector_sort_detail::sort_avx512(a.data(), n); return true;
-    case SortPath::avx2: vector_sort_detail::sort_avx2(a.data(), n); return true;
-    case SortPath::scalar: return false;
-  }
-  return false;
-}
-
-bool vector_sort(SortPath path, std::span<int64_t> a) {
-  const auto n = static_cast<int64_t>(a.size());
-  switch (path) {
-    case SortPath::avx512: vector_sort_detail::sort_avx512(a.data(), n); return true;
-    case SortPath::avx2: vector_sort_detail::sort_avx2(a.data(), n); return true;
-    case SortPath::scalar: return false;
-  }
-  return false;
-}
+bool vector_sort(SortPath path, std::span<double> a) { return sort_on(path, a); }
+bool vector_sort(SortPath path, std::span<int64_t> a) { return sort_on(path, a); }
 
 bool vector_sort_pairs(SortPath path, std::span<int64_t> keys, std::span<int64_t> items) {
   const auto n = static_cast<int64_t>(keys.size());

@@ -103,14 +103,9 @@ struct Avx2 {
 
 }  // namespace
 
-void sort_avx2(double* a, int64_t n) {
-  auto* bits = reinterpret_cast<Keys<Avx2>::Integer*>(a);
-  to_ordered_integers<Avx2>(bits, n);
-  Sorter<Avx2, Keys<Avx2>>::sort({bits}, n);
-  to_ordered_integers<Avx2>(bits, n);
-}
-void sort_avx2(int64_t* a, int64_t n) { Sorter<Avx2, Keys<Avx2>>::sort({a}, n); }
-void sort_pairs_avx2(int64_t* keys, int64_t* items, int64_t n) { Sorter<Avx2, Pairs<Avx2>>::sort({keys, items}, n); }
+void sort_avx2(double* a, int64_t n) { sort_reals<Avx2>(a, n); }
+void sort_avx2(int64_t* a, int64_t n) { sort_integers<Avx2>(a, n); }
+void sort_pairs_avx2(int64_t* keys, int64_t* items, int64_t n) { sort_pairs<Avx2>(keys, items, n); }
 
 }  // namespace vek::util::vector_sort_detail
 

@@ -78,16 +78,9 @@ struct Avx512 {
 
 }  // namespace
 
-void sort_avx512(double* a, int64_t n) {
-  auto* bits = reinterpret_cast<Keys<Avx512>::Integer*>(a);
-  to_ordered_integers<Avx512>(bits, n);
-  Sorter<Avx512, Keys<Avx512>>::sort({bits}, n);
-  to_ordered_integers<Avx512>(bits, n);
-}
-void sort_avx512(int64_t* a, int64_t n) { Sorter<Avx512, Keys<Avx512>>::sort({a}, n); }
-void sort_pairs_avx512(int64_t* keys, int64_t* items, int64_t n) {
-  Sorter<Avx512, Pairs<Avx512>>::sort({keys, items}, n);
-}
+void sort_avx512(double* a, int64_t n) { sort_reals<Avx512>(a, n); }
+void sort_avx512(int64_t* a, int64_t n) { sort_integers<Avx512>(a, n); }
+void sort_pairs_avx512(int64_t* keys, int64_t* items, int64_t n) { sort_pairs<Avx512>(keys, items, n); }
 
 }  // namespace vek::util::vector_sort_detail
 

@@ -392,4 +392,23 @@ struct Sorter {
   }
 };
 
+// The entries of an instruction set's file.
+template <class Isa>
+void sort_reals(double* a, int64_t n) {
+  auto* bits = reinterpret_cast<typename Keys<Isa>::Integer*>(a);
+  to_ordered_integers<Isa>(bits, n);
+  Sorter<Isa, Keys<Isa>>::sort({bits}, n);
+  to_ordered_integers<Isa>(bits, n);
+}
+
+template <class Isa>
+void sort_integers(int64_t* a, int64_t n) {
+  Sorter<Isa, Keys<Isa>>::sort({a}, n);
+}
+
+template <class Isa>
+void sort_pairs(int64_t* keys, int64_t* items, int64_t n) {
+  Sorter<Isa, Pairs<Isa>>::sort({keys, items}, n);
+}
+
 }  // namespace vek::util::vector_sort_detail
