@@ -8,8 +8,10 @@
 namespace vek::util {
 namespace {
 
+// The units each kernel file is compiled for (its target pragma).
 SortPath widest_available() {
   __builtin_cpu_init();
+  if (!__builtin_cpu_supports("popcnt")) return SortPath::scalar;
   if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq")) return SortPath::avx512;
   if (__builtin_cpu_supports("avx2")) return SortPath::avx2;
   return SortPath::scalar;
