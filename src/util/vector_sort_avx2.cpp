@@ -69,6 +69,8 @@ struct Avx2 {
     low = select(a_above, a, b);
     high = select(a_above, b, a);
   }
+  // The larger of a and b in the lanes of `larger`, the smaller in the others.
+  static Reg min_or_max(Reg a, Reg b, Mask larger) { return select(_mm256_xor_si256(_mm256_cmpgt_epi64(a, b), larger), a, b); }
   // Flips the bits below the sign of the negative lanes.
   static Reg flip_negative(Reg x) {
     return _mm256_xor_si256(x, _mm256_srli_epi64(_mm256_cmpgt_epi64(_mm256_setzero_si256(), x), 1));

@@ -51,6 +51,8 @@ struct Avx512 {
     low = _mm512_min_epi64(a, b);
     high = _mm512_max_epi64(a, b);
   }
+  // The larger of a and b in the lanes of `larger`, the smaller in the others.
+  static Reg min_or_max(Reg a, Reg b, Mask larger) { return _mm512_mask_max_epi64(_mm512_min_epi64(a, b), larger, a, b); }
   // Flips the bits below the sign of the negative lanes.
   static Reg flip_negative(Reg x) { return _mm512_xor_si512(x, _mm512_srli_epi64(_mm512_srai_epi64(x, 63), 1)); }
   static Mask mask_and(Mask a, Mask b) { return static_cast<Mask>(a & b); }

@@ -19,8 +19,9 @@
 //   is finished by heapsort.
 //
 // An instruction set supplies (struct Isa): N 64-bit lanes per register Reg, a compare mask Mask with its
-// bits, compares of signed 64-bit integers and doubles, a select, the permutations that exchange lanes i and
-// i ^ J, and the permutation that packs the lanes of given mask bits to the front.
+// bits, compares of signed 64-bit integers, their minimum and maximum (and, lane by lane, the one a mask asks
+// for), a select, the permutations that exchange lanes i and i ^ J, and the permutation that packs the lanes
+// of given mask bits to the front.
 #pragma once
 
 #include <array>
@@ -82,6 +83,7 @@ struct Keys {
   static Vec broadcast(Elem x) { return {Isa::broadcast(x)}; }
   static Mask less(Vec a, Vec b) { return Isa::less_int(a.key, b.key); }
   static void min_max(Vec a, Vec b, Vec& low, Vec& high) { Isa::min_max(a.key, b.key, low.key, high.key); }
+  static Vec min_or_max(Vec a, Vec b, Mask larger) { return {Isa::min_or_max(a.key, b.key, larger)}; }
   static Vec select(Mask m, Vec a, Vec b) { return {Isa::select(m, a.key, b.key)}; }
   static Vec permute(Vec v, typename Isa::Index idx) { return {Isa::permute(v.key, idx)}; }
   template <int J>
@@ -149,6 +151,11 @@ struct Pairs {
     low = select(swap, a, b);
     high = select(swap, b, a);
   }
+  static Vec min_or_max(Vec a, Vec b, Mask larger) {
+    Vec low, high;
+    min_max(a, b, low, high);
+    return select(larger, low, high);
+  }
   static Vec permute(Vec v, typename Isa::Index idx) { return {Isa::permute(v.key, idx), Isa::permute(v.item, idx)}; }
   template <int J>
   static Vec exchange_lanes(Vec v) {
@@ -185,6 +192,7 @@ struct Sorter {
   static_assert(kBlock >= 2 * kUnroll * N, "a partitioned range holds the held vectors");
   // Elements in the pivot sample.
   static constexpr int64_t kSample = 3 * N;
+  static constexpr int64_t kShortRange = 16 * kBlock;
 
   // Exchange where needed so that a holds the smaller and b the larger of each lane pair (ascending) or the
   // other way round.
@@ -202,11 +210,8 @@ struct Sorter {
       for (int r = 0; r < R; ++r)
         if ((r & step) == 0) compare_exchange(v[r], v[r + step], ((r * N) & K) == 0);
     } else {
-      for (int r = 0; r < R; ++r) {
-        Vec low, high;
-        L::min_max(v[r], L::template exchange_lanes<J>(v[r]), low, high);
-        v[r] = L::select(Isa::mask_from_bits(larger_lanes<N>(K, J, r)), low, high);
-      }
+      for (int r = 0; r < R; ++r)
+        v[r] = L::min_or_max(v[r], L::template exchange_lanes<J>(v[r]), Isa::mask_from_bits(larger_lanes<N>(K, J, r)));
     }
   }
 
@@ -254,14 +259,21 @@ struct Sorter {
     return r;
   }
 
-  // The median of kSample elements spread evenly over d[0..n), n > kBlock.
-  static Elem pivot(Ref d, int64_t n) {
-    typename L::template Buffer<kSample> buffer;
+  // The median of Size elements spread evenly over d[0..n), n > kBlock.
+  template <int64_t Size>
+  static Elem median_of_sample(Ref d, int64_t n) {
+    typename L::template Buffer<Size> buffer;
     const Ref b = buffer.ref();
-    const int64_t stride = n / kSample;
-    for (int64_t s = 0; s < kSample; ++s) L::set(b, s, L::get(d, s * stride + stride / 2));
-    sort_block(b, kSample);
-    return L::get(b, kSample / 2);
+    const int64_t stride = n / Size;
+    for (int64_t s = 0; s < Size; ++s) L::set(b, s, L::get(d, s * stride + stride / 2));
+    sort_block(b, Size);
+    return L::get(b, Size / 2);
+  }
+
+  // The pivot: a sample of one vector for short ranges, where sorting a larger sample would cost as much as
+  // the partition, and of kSample elements otherwise.
+  static Elem pivot(Ref d, int64_t n) {
+    return n <= kShortRange ? median_of_sample<N>(d, n) : median_of_sample<kSample>(d, n);
   }
 
   // Stores v partitioned by `left` (the lanes that belong to the left side) at the write positions.
