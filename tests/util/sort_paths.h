@@ -1,9 +1,11 @@
 // Running a test on every sort path this machine has (scalar, AVX2, AVX-512): a fixture that chooses the path
-// for the test's duration, and the instantiation over the available paths.
+// for the test's duration, and the instantiation over the available paths; and the bitwise comparison of
+// their results.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -25,6 +27,11 @@ inline std::string sort_path_name(util::SortPath p) {
     case util::SortPath::avx512: return "avx512";
   }
   return "";
+}
+
+// Whether two vectors of reals hold the same bits (signed zeros and NaN payloads included).
+inline bool same_bits(const std::vector<double>& a, const std::vector<double>& b) {
+  return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(double)) == 0);
 }
 
 // Chooses a path until destroyed.

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <vector>
 
@@ -23,6 +22,7 @@ class SortVectors : public vek::test::OnEverySortPath {};
 VEK_ON_EVERY_SORT_PATH(SortVectors);
 
 using vek::test::Pattern;
+using vek::test::same_bits;
 
 constexpr int64_t kGuard = 3;
 constexpr double kGuardValue = -12345.0;
@@ -62,7 +62,8 @@ TEST_P(SortVectors, MatchStdSortOnEveryPatternLengthAndOrder) {
       check_against_std_sort<int64_t>(m01cbf_, p, n);
     }
   }
-  for (Pattern p : {Pattern::random, Pattern::organ_pipe}) check_against_std_sort<double>(m01caf_, p, 1000000);
+  // A million, random; the other patterns reach the parallel merge at 70000 already (two pieces of 35000).
+  check_against_std_sort<double>(m01caf_, Pattern::random, 1000000);
   // Length 0 reaches only the kernel (the routines need M1 <= M2).
   std::vector<double> empty;
   vek::util::sort(std::span<double>(empty), vek::util::Order::descending);
@@ -76,10 +77,6 @@ std::vector<double> awkward_reals(int64_t n) {
                              std::numeric_limits<double>::infinity(), 1.5};
   for (int64_t i = 0; i < n; i += 3) v[static_cast<size_t>(i)] = specials[static_cast<size_t>(i / 3) % 6];
   return v;
-}
-
-bool same_bits(const std::vector<double>& a, const std::vector<double>& b) {
-  return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(double)) == 0;
 }
 
 TEST_P(SortVectors, RealsWithNansAndSignedZerosHaveOneArrangement) {
