@@ -5,7 +5,7 @@ packages=(
   g++ gfortran cmake ninja-build pkg-config python3 python3-mpmath
   libgtest-dev libgmock-dev libbenchmark-dev libgsl-dev
   libopenblas64-openmp-dev libblas64-test liblapack64-test liblapacke-dev liblapack64-3 liblapack-doc
-  libboost-dev
+  libboost-dev libhwy-dev
   clang-14 libclang-rt-14-dev libomp-14-dev
 )
 missing=()

@@ -19,6 +19,12 @@ inline bool real_less(double x, double y) {
   return std::isnan(y) && !std::isnan(x);
 }
 
+// The order less(i, j) on item numbers with the numbers breaking ties: a total order, which sorts stably.
+template <class LessItem>
+auto with_ties_by_number(LessItem& less) {
+  return [&less](int64_t i, int64_t j) { return less(i, j) || (i < j && !less(j, i)); };
+}
+
 // The positions 0..n-1 the items take when sorted by less(i, j), a strict weak order on item numbers; equal
 // items keep the order of their numbers. positions[i] = base + position of item i.
 template <class LessItem>
@@ -26,8 +32,7 @@ void rank_items(int64_t n, LessItem less, std::span<int64_t> positions, int64_t 
   if (n <= 0) return;
   std::vector<int64_t> items(static_cast<size_t>(n));
   for (int64_t i = 0; i < n; ++i) items[static_cast<size_t>(i)] = i;
-  quicksort(items.data(), 0, n - 1,
-            [&less](int64_t i, int64_t j) { return less(i, j) || (i < j && !less(j, i)); });
+  quicksort(items.data(), 0, n - 1, with_ties_by_number(less));
   for (int64_t p = 0; p < n; ++p) positions[static_cast<size_t>(items[static_cast<size_t>(p)])] = base + p;
 }
 

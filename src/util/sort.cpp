@@ -1,5 +1,6 @@
-// The sort driver: NaNs set aside, serial or parallel sort, signed zeros put in order, reversal for
-// descending order.
+// The sort driver: NaNs set aside, serial or parallel sort (each piece by the vectorised quicksort where the
+// machine has the vector unit, else by the scalar one), signed zeros put in order, reversal for descending
+// order.
 #include "util/sort.h"
 
 #include <algorithm>
@@ -11,6 +12,7 @@
 #include <sys/mman.h>
 
 #include "frame/threads.h"
+#include "util/vector_sort.h"
 
 namespace vek::util {
 namespace {
@@ -48,6 +50,10 @@ struct Ascending {
 
 // Moves the NaNs to the end, the numbers keeping their order; returns the count of numbers.
 int64_t set_aside_nans(std::span<double> v) {
+  // Most vectors have none: a scan without early exit, which the compiler vectorises, tells first.
+  bool any = false;
+  for (const double x : v) any |= x != x;
+  if (!any) return static_cast<int64_t>(v.size());
   const auto first = std::find_if(v.begin(), v.end(), [](double x) { return std::isnan(x); });
   if (first == v.end()) return static_cast<int64_t>(v.size());
   auto out = first;
@@ -66,6 +72,13 @@ void order_signed_zeros(std::span<double> v) {
   std::fill(lo + negative, hi, 0.0);
 }
 
+// Sorts numbers (no NaNs) ascending on `path`; the zeros' signs are put in order afterwards.
+template <class T>
+void sort_piece(std::span<T> numbers, SortPath path) {
+  if (numbers.size() > 1 && !vector_sort(path, numbers))
+    quicksort(numbers.data(), 0, static_cast<int64_t>(numbers.size()) - 1, Ascending{});
+}
+
 template <class T>
 void finish_serial(std::span<T> numbers) {
   if constexpr (std::is_floating_point_v<T>) order_signed_zeros(numbers);
@@ -76,24 +89,29 @@ int64_t piece_start(int64_t k, int64_t n, int64_t pieces) { return k * (n / piec
 
 // One parallel region: a piece per thread (static schedule), then pairwise merges in log2(team) rounds. In
 // the round of width `step` the runs are pieces [k, k + step) for k a multiple of step; a run at an even
-// multiple with a partner is a left run. Each thread copies its own piece of a left run to the workspace, so
-// the copy (and the first touch of the workspace's pages) is shared among the threads; after a barrier the
-// first thread of each pair merges it. Then the zeros and the reversal.
+// multiple with a partner is merged with it by all the threads of both runs. Each thread copies its own piece
+// to the workspace (so the copy, and the first touch of the workspace's pages, is shared); after a barrier
+// each writes an equal share of the merged run back into the vector. Then the zeros and the reversal.
 template <class T>
-void sort_parallel(std::span<T> v, int64_t numbers, T* work, int threads, Order order) {
+void sort_parallel(std::span<T> v, int64_t numbers, T* work, int threads, Order order, SortPath path) {
   T* a = v.data();
   const int64_t n = static_cast<int64_t>(v.size());
 #pragma omp parallel num_threads(threads)
   {
     const int64_t team = threads::team_size(), t = threads::thread_num();
     const auto start = [numbers, team](int64_t k) { return piece_start(std::min(k, team), numbers, team); };
-    quicksort(a, start(t), start(t + 1) - 1, Ascending{});
+    sort_piece(std::span<T>(a + start(t), static_cast<size_t>(start(t + 1) - start(t))), path);
     for (int64_t step = 1; step < team; step *= 2) {
       const int64_t pair = t - t % (2 * step);
-      if (t - pair < step && pair + step < team) std::copy(a + start(t), a + start(t + 1), work + start(t));
+      const bool merging = pair + step < team;
+      if (merging) std::copy(a + start(t), a + start(t + 1), work + start(t));
 #pragma omp barrier
-      if (t == pair && pair + step < team)
-        merge_copied_run(a, work, start(pair), start(pair + step) - 1, start(pair + 2 * step) - 1, Ascending{});
+      if (merging) {
+        const int64_t lo = start(pair), mid = start(pair + step), hi = start(pair + 2 * step);
+        const int64_t members = std::min(2 * step, team - pair), share = t - pair;
+        const int64_t first = (hi - lo) * share / members, last = (hi - lo) * (share + 1) / members;
+        merge_piece(work + lo, mid - lo, work + mid, hi - mid, first, last, a + lo + first, Ascending{});
+      }
 #pragma omp barrier
     }
 #pragma omp single
@@ -112,11 +130,16 @@ void sort_vector(std::span<T> v, Order order) {
   if constexpr (std::is_floating_point_v<T>) numbers = set_aside_nans(v);
 
   const int threads = static_cast<int>(std::clamp<int64_t>(numbers / kMinPiece, 1, threads::max_threads()));
+  SortPath path = sort_path();
   Workspace<T> work;
-  if (threads > 1) work = allocate_workspace<T>(numbers);
-  if (work) return sort_parallel(v, numbers, work.get(), threads, order);
+  if (threads > 1) {
+    work = allocate_workspace<T>(numbers);
+    // Without the workspace the whole vector goes to the scalar in-place quicksort, deliberately.
+    if (!work) path = SortPath::scalar;
+  }
+  if (work) return sort_parallel(v, numbers, work.get(), threads, order, path);
 
-  if (numbers > 1) quicksort(v.data(), 0, numbers - 1, Ascending{});
+  sort_piece(v.first(static_cast<size_t>(numbers)), path);
   finish_serial(v.first(static_cast<size_t>(numbers)));
   if (order == Order::descending) std::reverse(v.begin(), v.end());
 }

@@ -134,21 +134,31 @@ void quicksort(T* a, int64_t lo, int64_t hi, Less less) {
   detail::insertion_pass(a, lo, hi, less);
 }
 
-// Merges the sorted runs a[lo..mid] and a[mid+1..hi] back into a, the left run having been copied to
-// work[lo..mid]: the copy is taken while it is not greater than the right run's head, so equal keys keep
-// their order.
+// Writes elements [first, last) of the merge of the sorted runs x[0..nx) and y[0..ny) to out[0..last-first).
+// The merge takes x's element while it is not greater than y's, so equal keys keep their order, and a piece
+// of it starts where that merge would be: x[i], y[j] with i + j = first, x[i-1] not greater than y[j] and
+// y[j-1] less than x[i] (Siebert and Traeff's co-ranking, 2013). Threads can so write disjoint pieces of one
+// merge.
 template <class T, class Less>
-void merge_copied_run(T* a, const T* work, int64_t lo, int64_t mid, int64_t hi, Less less) {
-  int64_t l = lo, r = mid + 1, out = lo;
+void merge_piece(const T* x, int64_t nx, const T* y, int64_t ny, int64_t first, int64_t last, T* out, Less less) {
+  int64_t lo = std::max<int64_t>(0, first - ny), hi = std::min(first, nx);
+  while (lo < hi) {  // the least i in [lo, hi] whose x[i] would come after y[first - i - 1]
+    const int64_t i = lo + (hi - lo) / 2;
+    if (less(y[first - i - 1], x[i])) hi = i;
+    else lo = i + 1;
+  }
+  int64_t l = lo, r = first - lo, k = 0;
+  const int64_t count = last - first;
   // Select rather than branch: on random data the branch would be mispredicted half the time.
-  while (l <= mid && r <= hi) {
-    const T x = work[l], y = a[r];
-    const bool right = less(y, x);
-    a[out++] = right ? y : x;
+  while (k < count && l < nx && r < ny) {
+    const T u = x[l], w = y[r];
+    const bool right = less(w, u);
+    out[k++] = right ? w : u;
     r += right;
     l += !right;
   }
-  std::copy(work + l, work + mid + 1, a + out);
+  for (; k < count && l < nx; ++k) out[k] = x[l++];
+  for (; k < count && r < ny; ++k) out[k] = y[r++];
 }
 
 }  // namespace vek::util

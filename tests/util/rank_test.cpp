@@ -11,10 +11,17 @@
 #include <vector>
 
 #include "patterns.h"
+#include "sort_paths.h"
 #include "util/rank.h"
 #include "vek.h"
 
 namespace {
+
+// Each test runs on every sort path the machine has.
+class RankReals : public vek::test::OnEverySortPath {};
+VEK_ON_EVERY_SORT_PATH(RankReals);
+class RankKernels : public vek::test::OnEverySortPath {};
+VEK_ON_EVERY_SORT_PATH(RankKernels);
 
 using vek::test::Pattern;
 
@@ -29,7 +36,7 @@ std::vector<int64_t> stable_ranks(const std::vector<T>& v, Less less, int64_t ba
   return ranks;
 }
 
-TEST(RankReals, StableRanksFromM1InBothOrders) {
+TEST_P(RankReals, StableRanksFromM1InBothOrders) {
   for (Pattern p : vek::test::kPatterns) {
     for (int64_t n : {1, 2, 15, 16, 17, 500, 20000}) {
       const std::vector<double> v = vek::test::pattern<double>(p, n, 7);
@@ -52,7 +59,7 @@ TEST(RankReals, StableRanksFromM1InBothOrders) {
   }
 }
 
-TEST(RankReals, RankThenRearrangeIsTheSort) {
+TEST_P(RankReals, RankThenRearrangeIsTheSort) {
   std::vector<double> v = vek::test::pattern<double>(Pattern::few_distinct, 5000, 3);
   for (size_t i = 0; i < v.size(); i += 7) v[i] = (i % 2 ? -0.0 : std::numeric_limits<double>::quiet_NaN());
   for (char order : {'A', 'D'}) {
@@ -72,7 +79,7 @@ TEST(RankReals, RankThenRearrangeIsTheSort) {
   }
 }
 
-TEST(RankKernels, IntegersAndPermutations) {
+TEST_P(RankKernels, IntegersAndPermutations) {
   const std::vector<int64_t> v = vek::test::pattern<int64_t>(Pattern::few_distinct, 1000, 11);
   std::vector<int64_t> ranks(v.size());
   vek::util::rank(std::span<const int64_t>(v), vek::util::Order::descending, ranks, 0);

@@ -10,9 +10,14 @@
 #include <vector>
 
 #include "patterns.h"
+#include "sort_paths.h"
 #include "vek.h"
 
 namespace {
+
+// Each test runs on every sort path the machine has.
+class RankMatrices : public vek::test::OnEverySortPath {};
+VEK_ON_EVERY_SORT_PATH(RankMatrices);
 
 constexpr int64_t kLen = 6;
 
@@ -71,7 +76,7 @@ TEST(SortStrings, StableByKeySubstringInBothOrders) {
   }
 }
 
-TEST(RankMatrices, RowsAndColumnsLexicographically) {
+TEST_P(RankMatrices, RowsAndColumnsLexicographically) {
   // A 7 x 5 block of a 9 x 6 array (LDM 9), entries from few values so that ties need later keys.
   const int64_t ldm = 9, m1 = 2, m2 = 8, n1 = 2, n2 = 6;
   const auto ints = vek::test::pattern<int64_t>(vek::test::Pattern::few_distinct, ldm * 6, 3);
