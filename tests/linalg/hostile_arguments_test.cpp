@@ -4,6 +4,7 @@
 // computed by a second route (a factorisation and its solve against the known solution).
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdint>
@@ -242,6 +243,89 @@ TEST(HostileArguments, MatrixSetterChecksItsSizes) {
   EXPECT_EQ(b[1], 3);
   EXPECT_EQ(b[2], 9);
   EXPECT_EQ(b[3], 4);
+}
+
+TEST(HostileArguments, ComplexDotsReadOnlyTheElementsTheyUse) {
+  // N = 3 with INCX = 0 (X one element), INCX = 2 (X five elements) and unit strides, every array ending at
+  // the guard page. Expected: the sums of the products written out, x_k y_k or conj(x_k) y_k.
+  const int64_t n = 3;
+  for (int64_t inc : {int64_t{0}, int64_t{1}, int64_t{2}}) {
+    const std::size_t len = static_cast<std::size_t>(1 + (n - 1) * inc);
+    GuardedArray<vek_complex> x(len), y(3);
+    for (std::size_t i = 0; i < len; ++i) x[i] = {1.0 + static_cast<double>(i), -0.5 * static_cast<double>(i)};
+    for (int i = 0; i < 3; ++i) y[i] = {2.0 - i, 0.25 + i};
+    double ur = 0, ui = 0, cr = 0, ci = 0;
+    for (int k = 0; k < 3; ++k) {
+      const vek_complex a = x[static_cast<std::size_t>(k * inc)], b = y[k];
+      ur += a.re * b.re - a.im * b.im;
+      ui += a.re * b.im + a.im * b.re;
+      cr += a.re * b.re + a.im * b.im;
+      ci += a.re * b.im - a.im * b.re;
+    }
+    const int64_t one = 1;
+    const vek_complex u = zdotu_(&n, x.data(), &inc, y.data(), &one);
+    const vek_complex c = zdotc_(&n, x.data(), &inc, y.data(), &one);
+    const vek_complex uy = zdotu_(&n, y.data(), &one, x.data(), &inc);  // the hostile stride on the other side
+    EXPECT_DOUBLE_EQ(u.re, ur) << inc;
+    EXPECT_DOUBLE_EQ(u.im, ui) << inc;
+    EXPECT_DOUBLE_EQ(c.re, cr) << inc;
+    EXPECT_DOUBLE_EQ(c.im, ci) << inc;
+    EXPECT_DOUBLE_EQ(uy.re, ur) << inc;
+    EXPECT_DOUBLE_EQ(uy.im, ui) << inc;
+  }
+}
+
+TEST(HostileArguments, GeneralizedSvdAsksForItsWorkspace) {
+  // dggsvd3 with LWORK = 4 for 3 x 3 matrices passed the published LWORK >= 1 and then ran on without end
+  // (zggsvd3 with LWORK = 1 left WORK). LWORK below the workspace query's answer is reported as argument
+  // 22; with the answer the pair is decomposed: B = I gives the generalized singular values of A alone,
+  // alpha_i / beta_i = sigma_i(A), here the diagonal 3, 2, 1 of A.
+  const int64_t m = 3, n = 3, p = 3, ld = 3;
+  for (bool complex : {false, true}) {
+    for (int64_t lwork : {int64_t{1}, int64_t{4}, int64_t{0}}) {  // 0: use the query's answer
+      GuardedArray<double> alpha(3), beta(3);
+      GuardedArray<int64_t> iwork(3);
+      int64_t k = -1, l = -1, info = kMin;
+      vek::testing::UnitCapture cap;
+      if (complex) {
+        GuardedArray<vek_complex> a(9, {0, 0}), b(9, {0, 0}), u(9), v(9), q(9), answer(1);
+        GuardedArray<double> rwork(6);
+        a[0] = {3, 0}, a[4] = {2, 0}, a[8] = {1, 0}, b[0] = b[4] = b[8] = {1, 0};
+        int64_t query = -1;
+        zggsvd3_("N", "N", "N", &m, &n, &p, &k, &l, a.data(), &ld, b.data(), &ld, alpha.data(), beta.data(), u.data(),
+                 &ld, v.data(), &ld, q.data(), &ld, answer.data(), &query, rwork.data(), iwork.data(), &info, 1, 1, 1);
+        ASSERT_EQ(info, 0);
+        const int64_t use = lwork > 0 ? lwork : static_cast<int64_t>(answer[0].re);
+        GuardedArray<vek_complex> work(static_cast<std::size_t>(use));
+        zggsvd3_("N", "N", "N", &m, &n, &p, &k, &l, a.data(), &ld, b.data(), &ld, alpha.data(), beta.data(), u.data(),
+                 &ld, v.data(), &ld, q.data(), &ld, work.data(), &use, rwork.data(), iwork.data(), &info, 1, 1, 1);
+      } else {
+        GuardedArray<double> a(9, 0.0), b(9, 0.0), u(9), v(9), q(9), answer(1);
+        a[0] = 3, a[4] = 2, a[8] = 1, b[0] = b[4] = b[8] = 1;
+        int64_t query = -1;
+        dggsvd3_("N", "N", "N", &m, &n, &p, &k, &l, a.data(), &ld, b.data(), &ld, alpha.data(), beta.data(), u.data(),
+                 &ld, v.data(), &ld, q.data(), &ld, answer.data(), &query, iwork.data(), &info, 1, 1, 1);
+        ASSERT_EQ(info, 0);
+        const int64_t use = lwork > 0 ? lwork : static_cast<int64_t>(answer[0]);
+        GuardedArray<double> work(static_cast<std::size_t>(use));
+        EXPECT_TRUE(vek::testing::returns_within(2000ms, [&] {
+          dggsvd3_("N", "N", "N", &m, &n, &p, &k, &l, a.data(), &ld, b.data(), &ld, alpha.data(), beta.data(),
+                   u.data(), &ld, v.data(), &ld, q.data(), &ld, work.data(), &use, iwork.data(), &info, 1, 1, 1);
+        }));
+      }
+      if (lwork > 0) {
+        EXPECT_EQ(info, -22);
+        EXPECT_EQ(cap.lines(), (Lines{report(complex ? "F08VNF/ZGGSVD3" : "F08VAF/DGGSVD3", 22)}));
+        continue;
+      }
+      ASSERT_EQ(info, 0);
+      EXPECT_EQ(k + l, 3);
+      std::vector<double> ratios;
+      for (int i = 0; i < 3; ++i) ratios.push_back(alpha[i] / beta[i]);
+      std::sort(ratios.begin(), ratios.end());
+      for (int i = 0; i < 3; ++i) EXPECT_NEAR(ratios[i], i + 1, 1e-13);
+    }
+  }
 }
 
 }  // namespace

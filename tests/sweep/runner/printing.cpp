@@ -10,13 +10,12 @@
 namespace sweep {
 namespace {
 
-// Routines that print by their job, whatever IFAIL asks.
+// Routines that print by their job, whatever IFAIL asks (each seen printing in the sweep; the error exits
+// and the trace facility's internals have no entry and are not swept).
 constexpr const char* kPrinters[] = {
-    "x04*",    // output units and the matrix printers
+    "x04*",    // x04baf writes a record; the matrix printers x04caf ... x04eaf
     "a00aaf",  // the implementation banner
-    "p01*",    // the error exits
-    "y90*",    // the trace facility
-    "e04uef",  // option lines and files of the SQP solver: echoed on the advisory unit
+    "e04uef",  // option lines and files of the SQP solver: echoed, and bad lines reported, on the advisory unit
     "e04udf",
 };
 
