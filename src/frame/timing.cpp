@@ -17,7 +17,8 @@ bool in(int64_t v, int64_t lo, int64_t hi) { return v >= lo && v <= hi; }
 // Writes a field of `width` digits with leading zeros at `out`, or asterisks when it is out of range (the
 // ranges have at most `width` digits); returns the position after it.
 char* digits(char* out, int64_t v, int width, int64_t lo, int64_t hi) {
-  for (int k = width - 1; k >= 0; --k, v /= 10) out[k] = in(v, lo, hi) ? static_cast<char>('0' + v % 10) : '*';
+  const bool shown = in(v, lo, hi);
+  for (int k = width - 1; k >= 0; --k, v /= 10) out[k] = shown ? static_cast<char>('0' + v % 10) : '*';
   return out + width;
 }
 
