@@ -14,8 +14,8 @@
                                       argument, and RESULT is returned: nan, info (INFO = -position) or none.
 Arguments of a named guard: a scalar argument by value, an array by its address, &INFO a scalar's address
 (the forwarding call sees what the guard writes there), @zgemv the published name (for the argument-error report), =NTC a string.
-Expressions are C-like over the scalar arguments, with min() and max(), and the pivot predicates PREDICATES
-over an array (a condition is reported with the position of the first argument it names).
+Expressions are C-like over the scalar arguments, with min() and max(), and the pivot predicates of guards.h
+(pivots_ok(IPIV,N) ...); a condition is reported with the position of the first argument it names.
 """
 from __future__ import annotations
 
