@@ -268,8 +268,9 @@ bool symmetric_pivots_ok(const int64_t* ipiv, int64_t n, char uplo) {
 // ---- dot products --------------------------------------------------------------------------------------
 namespace {
 
-// The published element order: with a negative increment the vector starts at element 1 + (N - 1)|INC|.
-int64_t start(int64_t n, int64_t inc) { return inc < 0 ? (n - 1) * -inc : 0; }
+// The published element order: with a negative increment the vector starts at element 1 + (N - 1)|INC|. A
+// single element is element 1 whatever the increment (INC = -2^63 has no 64-bit negation).
+int64_t start(int64_t n, int64_t inc) { return inc < 0 && n > 1 ? (n - 1) * -inc : 0; }
 
 template <class R, class T, class Load>
 R strided_sum(int64_t n, const T* x, int64_t incx, const T* y, int64_t incy, Load load) {

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "argument_report.h"
 #include "guard_page.h"
 #include "support/unit_capture.h"
 #include "vek.h"
@@ -25,10 +26,7 @@ using namespace std::chrono_literals;
 
 constexpr int64_t kMin = std::numeric_limits<int64_t>::min();
 
-std::string report(const char* name, int position) {
-  return std::string(" ** On entry to ") + name + " parameter number " + std::to_string(position) +
-         " had an illegal value";
-}
+constexpr auto report = &vek::testing::argument_report;
 
 // A 3 x 3 general matrix, its LU factors and pivots from dgetrf, and B = A x for x = (1, 2, 3).
 struct Factored {
@@ -273,6 +271,17 @@ TEST(HostileArguments, ComplexDotsReadOnlyTheElementsTheyUse) {
     EXPECT_DOUBLE_EQ(uy.re, ur) << inc;
     EXPECT_DOUBLE_EQ(uy.im, ui) << inc;
   }
+  // One element with the most negative increment (no 64-bit negation): element 1 of each vector.
+  const int64_t one = 1, most_negative = kMin;
+  GuardedArray<vek_complex> x1({{2, 1}}, Guard::before), y1({{3, -1}}, Guard::before);
+  GuardedArray<double> d1({2.0}, Guard::before), e1({-3.0}, Guard::before);
+  const vek_complex u = zdotu_(&one, x1.data(), &most_negative, y1.data(), &most_negative);
+  const vek_complex c = zdotc_(&one, x1.data(), &most_negative, y1.data(), &most_negative);
+  EXPECT_EQ(u.re, 7);  // (2 + i)(3 - i)
+  EXPECT_EQ(u.im, 1);
+  EXPECT_EQ(c.re, 5);  // (2 - i)(3 - i)
+  EXPECT_EQ(c.im, -5);
+  EXPECT_EQ(ddot_(&one, d1.data(), &most_negative, e1.data(), &most_negative), -6);
 }
 
 TEST(HostileArguments, GeneralizedSvdAsksForItsWorkspace) {
