@@ -256,7 +256,6 @@ GUARDS = {
     **screens("N", COMPLEX_PAIR, "zggev", "zggev3", "zggevx", "zgges", "zgges3", "zggesx"),
     **screens("N", "hess(H,N,LDH) tri(T,'U',N,LDT) -> vec(ALPHAR,N) vec(ALPHAI,N) vec(BETA,N)", "dhgeqz"),
     **screens("N", "hess(H,N,LDH) tri(T,'U',N,LDT) -> vec(ALPHA,N) vec(BETA,N)", "zhgeqz"),
-    **screens("N", "full(A,M,N,LDA) full(B,P,N,LDB) -> vec(ALPHA,N) vec(BETA,N)", "ggsvd3"),
     # Packed symmetric / Hermitian indefinite factorisations: a NaN pivot takes the dependency's packed code
     # to an index it never set; with a NaN or an infinity in AP the factorisation runs in full storage.
     "sptrf": "packed_factor @{name} UPLO N AP IPIV &INFO", "hptrf": "packed_factor @{name} UPLO N AP IPIV &INFO",
@@ -265,7 +264,6 @@ GUARDS = {
     "spsvx": "packed_expert @{name} &FACT UPLO N NRHS AP AFP IPIV LDB LDX &RCOND &INFO",
     "hpsvx": "packed_expert @{name} &FACT UPLO N NRHS AP AFP IPIV LDB LDX &RCOND &INFO",
     # Published checks the dependency omits or mistakes.
-    "getrs": "require @{name} info TRANS~NTC",
     "geqp3": "pivoted_qr M N LDA JPVT WORK LWORK &INFO",
     "tgsja": "generalized_svd_pair @{name} JOBU JOBV JOBQ M P N K L LDA LDB LDU LDV LDQ U V Q &NCYCLE &INFO",
     "laswp": "row_interchange @{name} N A LDA K1 K2 IPIV INCX",
@@ -290,6 +288,41 @@ GUARDS = {
     **{op: "require @{name} none SIDE~LR UPLO~UL TRANSA~NTC DIAG~UN" for op in ("trmm", "trsm")},
     "rotmg": "modified_rotation &D1 &D2 &X1 &Y1 PARAM",
 }
+
+
+# Routines handed a factorisation's pivots: the published checks in their order, then IPIV (the dependency
+# indexes rows with it unchecked), reported with its position. A workspace query reads no pivots.
+LU_PIVOTS, BK_PIVOTS = "pivots_ok(IPIV,N)", "symmetric_pivots_ok(IPIV,N,UPLO)"
+TRIDIAGONAL_PIVOTS = "tridiagonal_pivots_ok(IPIV,N)"
+PIVOT_GUARDS = {
+    "getrs": f"TRANS~NTC N>=0 NRHS>=0 LDA>=max(1,N) LDB>=max(1,N) {LU_PIVOTS}",
+    "getri": f"N>=0 LDA>=max(1,N) LWORK>=max(1,N)||LWORK==-1 {LU_PIVOTS}||LWORK==-1",
+    "gerfs": f"TRANS~NTC N>=0 NRHS>=0 LDA>=max(1,N) LDAF>=max(1,N) LDB>=max(1,N) LDX>=max(1,N) {LU_PIVOTS}",
+    "gbtrs": f"TRANS~NTC N>=0 KL>=0 KU>=0 NRHS>=0 LDAB>=2*KL+KU+1 LDB>=max(1,N) {LU_PIVOTS}",
+    "gbcon": f"NORM~1OI N>=0 KL>=0 KU>=0 LDAB>=2*KL+KU+1 !(ANORM<0) {LU_PIVOTS}",
+    "gbrfs": f"TRANS~NTC N>=0 KL>=0 KU>=0 NRHS>=0 LDAB>=KL+KU+1 LDAFB>=2*KL+KU+1 LDB>=max(1,N) LDX>=max(1,N) "
+             f"{LU_PIVOTS}",
+    "gttrs": f"TRANS~NTC N>=0 NRHS>=0 LDB>=max(1,N) {TRIDIAGONAL_PIVOTS}",
+    "gtcon": f"NORM~1OI N>=0 !(ANORM<0) {TRIDIAGONAL_PIVOTS}",
+    "gtrfs": f"TRANS~NTC N>=0 NRHS>=0 LDB>=max(1,N) LDX>=max(1,N) {TRIDIAGONAL_PIVOTS}",
+    **{op: f"UPLO~UL N>=0 NRHS>=0 LDA>=max(1,N) LDB>=max(1,N) {BK_PIVOTS}" for op in ("sytrs", "hetrs")},
+    **{op: f"UPLO~UL N>=0 LDA>=max(1,N) !(ANORM<0) {BK_PIVOTS}" for op in ("sycon", "hecon")},
+    **{op: f"UPLO~UL N>=0 NRHS>=0 LDA>=max(1,N) LDAF>=max(1,N) LDB>=max(1,N) LDX>=max(1,N) {BK_PIVOTS}"
+       for op in ("syrfs", "herfs")},
+    **{op: f"UPLO~UL N>=0 LDA>=max(1,N) {BK_PIVOTS}" for op in ("sytri", "hetri")},
+    **{op: f"UPLO~UL N>=0 NRHS>=0 LDB>=max(1,N) {BK_PIVOTS}" for op in ("sptrs", "hptrs")},
+    **{op: f"UPLO~UL N>=0 !(ANORM<0) {BK_PIVOTS}" for op in ("spcon", "hpcon")},
+    **{op: f"UPLO~UL N>=0 NRHS>=0 LDB>=max(1,N) LDX>=max(1,N) {BK_PIVOTS}" for op in ("sprfs", "hprfs")},
+    **{op: f"UPLO~UL N>=0 {BK_PIVOTS}" for op in ("sptri", "hptri")},
+}
+GUARDS.update({op: f"require @{{name}} info {checks}" for op, checks in PIVOT_GUARDS.items()})
+# The generalized SVD and its preprocessing: LWORK at least the workspace query's answer (position of LWORK).
+GUARDS["dggsvd3"] = "generalized_svd @{name} M N P A LDA B LDB ALPHA BETA &WORK &LWORK &INFO 22"
+GUARDS["zggsvd3"] = GUARDS["dggsvd3"]
+GUARDS["dggsvp3"] = "least_workspace @{name} N &WORK &LWORK &INFO 24"
+GUARDS["zggsvp3"] = "least_workspace @{name} N &WORK &LWORK &INFO 25"
+# dlaset, zlaset: nothing published is checked; LDA = 0 with M = 0 and a huge N ran the column loop on.
+GUARDS["laset"] = "require @{name} none M>=0 N>=0 LDA>=max(1,M)"
 
 
 def guard_line(published: str) -> str | None:

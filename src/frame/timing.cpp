@@ -1,9 +1,9 @@
 #include "frame/timing.h"
 
+#include <algorithm>
 #include <chrono>
 #include <ctime>
-
-#include "frame/text.h"
+#include <string_view>
 
 namespace vek::timing {
 namespace {
@@ -14,14 +14,15 @@ constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
 
 bool in(int64_t v, int64_t lo, int64_t hi) { return v >= lo && v <= hi; }
 
-// A field of `width` digits with leading zeros, or asterisks when it does not fit or is out of range.
-std::string digits(int64_t v, int width, int64_t lo, int64_t hi) {
-  std::string s = text::fixed_int(v, width);
-  if (!in(v, lo, hi)) return std::string(static_cast<size_t>(width), '*');
-  for (char& c : s)
-    if (c == ' ') c = '0';
-  return s;
+// Writes a field of `width` digits with leading zeros at `out`, or asterisks when it is out of range (the
+// ranges have at most `width` digits); returns the position after it.
+char* digits(char* out, int64_t v, int width, int64_t lo, int64_t hi) {
+  const bool shown = in(v, lo, hi);
+  for (int k = width - 1; k >= 0; --k, v /= 10) out[k] = shown ? static_cast<char>('0' + v % 10) : '*';
+  return out + width;
 }
+
+char* put(char* out, std::string_view s) { return std::copy(s.begin(), s.end(), out); }
 
 }  // namespace
 
@@ -34,19 +35,26 @@ DateTime now() {
   return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec, ms};
 }
 
-std::string format(const DateTime& t) {
+DateText format(const DateTime& t) {
+  // Filled in place: the text is also written when memory has run out.
   const bool valid_date = in(t[0], 1, 9999) && in(t[1], 1, 12) && in(t[2], 1, 31);
-  std::string day = "???";
+  std::string_view day = "???";
   if (valid_date) {
     const std::chrono::year_month_day ymd{std::chrono::year(static_cast<int>(t[0])),
                                           std::chrono::month(static_cast<unsigned>(t[1])),
                                           std::chrono::day(static_cast<unsigned>(t[2]))};
     if (ymd.ok()) day = kDays[std::chrono::weekday(std::chrono::sys_days(ymd)).c_encoding()];
   }
-  const std::string month = in(t[1], 1, 12) ? kMonths[t[1] - 1] : "???";
-  return day + " " + digits(t[2], 2, 1, 31) + " " + month + " " + digits(t[0], 4, 0, 9999) + " " +
-         digits(t[3], 2, 0, 23) + ":" + digits(t[4], 2, 0, 59) + ":" + digits(t[5], 2, 0, 60) + "." +
-         digits(t[6], 3, 0, 999);
+  DateText text;
+  char* out = put(text.data(), day);
+  out = digits(put(out, " "), t[2], 2, 1, 31);
+  out = put(put(out, " "), in(t[1], 1, 12) ? kMonths[t[1] - 1] : "???");
+  out = digits(put(out, " "), t[0], 4, 0, 9999);
+  out = digits(put(out, " "), t[3], 2, 0, 23);
+  out = digits(put(out, ":"), t[4], 2, 0, 59);
+  out = digits(put(out, ":"), t[5], 2, 0, 60);
+  digits(put(out, "."), t[6], 3, 0, 999);
+  return text;
 }
 
 double cpu_seconds() {

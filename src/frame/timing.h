@@ -3,7 +3,6 @@
 
 #include <array>
 #include <cstdint>
-#include <string>
 
 namespace vek::timing {
 
@@ -15,7 +14,8 @@ DateTime now();
 
 // "Www DD Mmm YYYY hh:mm:ss.mmm" (28 characters). A field out of its range shows as asterisks (the weekday
 // and month names as "???"), so any input gives a text of the same length.
-std::string format(const DateTime& t);
+using DateText = std::array<char, 28>;
+DateText format(const DateTime& t);
 
 // Seconds of processor time used by the process; seconds of a monotonic wall clock.
 double cpu_seconds();

@@ -17,7 +17,8 @@ void x05aafn_(int64_t* itime) {
 void x05abfn_(const int64_t* itime, char* ctime, int64_t ctime_len) {
   vek::timing::DateTime t;
   std::copy(itime, itime + t.size(), t.begin());
-  vek::text::assign(ctime, ctime_len, vek::timing::format(t));
+  const vek::timing::DateText text = vek::timing::format(t);
+  vek::text::assign(ctime, ctime_len, std::string_view(text.data(), text.size()));
 }
 
 double x05bafn_() { return vek::timing::cpu_seconds(); }

@@ -175,12 +175,13 @@ double nan() { return kNaN; }
 namespace {
 
 template <class T>
-void interchange_rows(int64_t n, T* a, int64_t lda, int64_t k1, int64_t k2, const int64_t* ipiv, int64_t incx) {
+void interchange_rows(int64_t n, T* a, int64_t lda, int64_t k1, int64_t k2, const int64_t* ipiv, int64_t incx,
+                      int64_t stride) {
   // The published order: with INCX < 0 the pivots are applied from K2 down to K1, IPIV read backwards from
-  // its element K1 + (K2 - K1)|INCX| down to element K1.
+  // its element K1 + (K2 - K1)|INCX| down to element K1 (stride = |INCX|, 0 when K2 = K1).
   const int64_t step = incx > 0 ? 1 : -1;
   const int64_t first = incx > 0 ? k1 : k2, last = incx > 0 ? k2 : k1;
-  const int64_t ix0 = (k1 - 1) + (incx > 0 ? 0 : (k2 - k1) * -incx);
+  const int64_t ix0 = (k1 - 1) + (incx > 0 ? 0 : (k2 - k1) * stride);
   for (int64_t j = 0; j < n; ++j) {
     T* col = a + j * lda;
     int64_t ix = ix0;
@@ -203,17 +204,19 @@ void row_interchange_of(const char* published, int64_t n, T* a, int64_t lda, int
   else if (k1 < 1) bad = 4;
   else if (k2 >= k1 && k2 > lda) bad = 5;
   if (bad == 0 && (n == 0 || k2 < k1 || incx == 0)) return;  // no interchange, as published
-  if (bad == 0) {
-    const int64_t step = incx > 0 ? incx : -incx;
-    for (int64_t i = 0; i <= k2 - k1 && bad == 0; ++i)
-      if (ipiv[k1 - 1 + i * step] < 1 || ipiv[k1 - 1 + i * step] > lda) bad = 6;
-  }
+  // |INCX| in 128 bits (INCX = -2^63 has no 64-bit negation); IPIV's last element K1 + (K2 - K1)|INCX| must
+  // be addressable, which for K2 > K1 bounds |INCX| below 2^63.
+  const __int128 magnitude = incx > 0 ? static_cast<__int128>(incx) : -static_cast<__int128>(incx);
+  if (bad == 0 && static_cast<__int128>(k2 - k1) * magnitude > std::numeric_limits<int64_t>::max() - k1) bad = 7;
+  const int64_t stride = bad == 0 && k2 > k1 ? static_cast<int64_t>(magnitude) : 0;
+  for (int64_t i = 0; bad == 0 && i <= k2 - k1; ++i)
+    if (ipiv[k1 - 1 + i * stride] < 1 || ipiv[k1 - 1 + i * stride] > lda) bad = 6;
   if (bad != 0) {
     report(published, bad);
     return;
   }
   if (incx < 0) {
-    interchange_rows(n, a, lda, k1, k2, ipiv, incx);
+    interchange_rows(n, a, lda, k1, k2, ipiv, incx, stride);
     return;
   }
   handled = false;
@@ -231,11 +234,43 @@ void row_interchange_checked(const char* published, int64_t n, vek_complex* a, i
   row_interchange_of(published, n, a, lda, k1, k2, ipiv, incx, handled);
 }
 
+// ---- pivots handed back by the caller ------------------------------------------------------------------
+bool pivots_ok(const int64_t* ipiv, int64_t n) {
+  for (int64_t i = 0; i < n; ++i)
+    if (ipiv[i] < 1 || ipiv[i] > n) return false;
+  return true;
+}
+
+bool tridiagonal_pivots_ok(const int64_t* ipiv, int64_t n) {
+  for (int64_t i = 1; i <= n; ++i)
+    if (ipiv[i - 1] != i && (ipiv[i - 1] != i + 1 || i == n)) return false;
+  return true;
+}
+
+bool symmetric_pivots_ok(const int64_t* ipiv, int64_t n, char uplo) {
+  // Walked in the order of the factorisation (from N down for 'U', from 1 up for 'L'); a 2 x 2 block takes
+  // the element and its neighbour in that direction, which must exist and hold the same value.
+  const bool up = upper(uplo);
+  const int64_t step = up ? -1 : 1;
+  for (int64_t k = up ? n - 1 : 0; k >= 0 && k < n; k += step) {
+    const int64_t p = ipiv[k];
+    if (p > 0) {
+      if (p > n) return false;
+      continue;
+    }
+    const int64_t partner = k + step;
+    if (p == 0 || p < -n || partner < 0 || partner >= n || ipiv[partner] != p) return false;
+    k = partner;
+  }
+  return true;
+}
+
 // ---- dot products --------------------------------------------------------------------------------------
 namespace {
 
-// The published element order: with a negative increment the vector starts at element 1 + (N - 1)|INC|.
-int64_t start(int64_t n, int64_t inc) { return inc < 0 ? (n - 1) * -inc : 0; }
+// The published element order: with a negative increment the vector starts at element 1 + (N - 1)|INC|. A
+// single element is element 1 whatever the increment (INC = -2^63 has no 64-bit negation).
+int64_t start(int64_t n, int64_t inc) { return inc < 0 && n > 1 ? (n - 1) * -inc : 0; }
 
 template <class R, class T, class Load>
 R strided_sum(int64_t n, const T* x, int64_t incx, const T* y, int64_t incy, Load load) {
@@ -245,15 +280,24 @@ R strided_sum(int64_t n, const T* x, int64_t incx, const T* y, int64_t incy, Loa
   return sum;
 }
 
-// A complex dot product over the library's pair type V with the arithmetic of std::complex<R>.
+// A complex dot product over the library's pair type V: each product in the textbook form (as the reference
+// BLAS computes it, without the recovery of infinities that std::complex's product makes), then summed.
 template <class R, class V>
 V complex_dot(int64_t n, const V* x, int64_t incx, const V* y, int64_t incy, bool conjugate) {
-  using C = std::complex<R>;
-  const C s = strided_sum<C>(n, x, incx, y, incy, [&](const V& a, const V& b) {
-    const C xa(a.re, a.im);
-    return (conjugate ? std::conj(xa) : xa) * C(b.re, b.im);
+  struct Sum {
+    R re = 0, im = 0;
+    Sum& operator+=(const Sum& t) {
+      re += t.re;
+      im += t.im;
+      return *this;
+    }
+  };
+  const R sign = conjugate ? R(-1) : R(1);
+  const Sum s = strided_sum<Sum>(n, x, incx, y, incy, [&](const V& a, const V& b) {
+    const R ai = sign * a.im;
+    return Sum{a.re * b.re - ai * b.im, a.re * b.im + ai * b.re};
   });
-  return {s.real(), s.imag()};
+  return {s.re, s.im};
 }
 
 }  // namespace

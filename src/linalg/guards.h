@@ -72,8 +72,9 @@ double nan();
 
 // Row interchanges (dlaswp, zlaswp). The published routine checks nothing; the sizes that would take it
 // outside the caller's arrays are reported by position and leave A unchanged: N < 0 (1), LDA < 1 (3),
-// K1 < 1 (4), a row K2 > LDA (5), a pivot outside 1..LDA (6). K2 < K1 or INCX = 0: no interchange, as
-// published. A negative INCX runs the library's own loop (the dependency misreads IPIV there).
+// K1 < 1 (4), a row K2 > LDA (5), a pivot outside 1..LDA (6), IPIV(K1 + (K2 - K1)|INCX|) beyond the
+// addressable (7). K2 < K1 or INCX = 0: no interchange, as published. A negative INCX runs the library's
+// own loop (the dependency misreads IPIV there).
 void row_interchange_checked(const char* published, int64_t n, double* a, int64_t lda, int64_t k1, int64_t k2,
                              const int64_t* ipiv, int64_t incx, bool& handled);
 void row_interchange_checked(const char* published, int64_t n, vek_complex* a, int64_t lda, int64_t k1, int64_t k2,
@@ -87,7 +88,20 @@ void row_interchange(Forward forward, const char* published, int64_t n, T* a, in
   if (!handled) forward();
 }
 
-// Dot products with a negative increment: the library's own loop, in the published order of elements.
+// Pivots of a factorisation handed back to a solve, inverse, condition estimate or refinement: the
+// dependency indexes rows with them unchecked. Each predicate is true when IPIV(1..N) is what the
+// factorisation can produce, as far as the indexing depends on it (N < 0: true, the size is reported first).
+//  - general and band LU: 1 <= IPIV(i) <= N;
+//  - tridiagonal LU: IPIV(i) is i or i + 1 (N for i = N);
+//  - symmetric / Hermitian indefinite (Bunch-Kaufman): IPIV(k) > 0 a 1 x 1 block, 1 <= IPIV(k) <= N; a 2 x 2
+//    block holds the same negative value -p, 1 <= p <= N, in two neighbouring elements, paired from the
+//    bottom for UPLO = 'U' and from the top for 'L'.
+bool pivots_ok(const int64_t* ipiv, int64_t n);
+bool tridiagonal_pivots_ok(const int64_t* ipiv, int64_t n);
+bool symmetric_pivots_ok(const int64_t* ipiv, int64_t n, char uplo);
+
+// Dot products with a negative increment (complex ones with any increment but 1): the library's own loop, in
+// the published order of elements.
 double dot_strided(int64_t n, const double* x, int64_t incx, const double* y, int64_t incy);
 float dot_strided(int64_t n, const float* x, int64_t incx, const float* y, int64_t incy);
 vek_complex dot_strided(int64_t n, const vek_complex* x, int64_t incx, const vek_complex* y, int64_t incy,
@@ -101,15 +115,18 @@ auto dot(Forward forward, int64_t n, const T* x, int64_t incx, const T* y, int64
   return forward();
 }
 
+// The complex dot products run the library's loop unless both increments are 1: the dependency's strided
+// kernels read past X and Y for increments of either sign (0 and 2 as well as negative ones). Its unit-stride
+// kernel stays in the arrays and is three times faster.
 template <class Forward, class T>
 auto dotu(Forward forward, int64_t n, const T* x, int64_t incx, const T* y, int64_t incy) {
-  if (n > 0 && (incx < 0 || incy < 0)) return dot_strided(n, x, incx, y, incy, false);
+  if (n > 0 && (incx != 1 || incy != 1)) return dot_strided(n, x, incx, y, incy, false);
   return forward();
 }
 
 template <class Forward, class T>
 auto dotc(Forward forward, int64_t n, const T* x, int64_t incx, const T* y, int64_t incy) {
-  if (n > 0 && (incx < 0 || incy < 0)) return dot_strided(n, x, incx, y, incy, true);
+  if (n > 0 && (incx != 1 || incy != 1)) return dot_strided(n, x, incx, y, incy, true);
   return forward();
 }
 
@@ -203,6 +220,51 @@ void pivoted_qr(Forward forward, int64_t m, int64_t n, int64_t lda, int64_t* jpv
   if (!empty_pivoted_qr(m, n, lda, jpvt, lwork)) return forward();
   work[0] = one<T>();
   *info = 0;
+}
+
+// The workspace a routine asks for: its query (LWORK = -1, made here with a one-element WORK) before it
+// runs; with N > 0, LWORK below the answer is reported at its position (the published minimum of the
+// generalized SVD routines, LWORK >= 1, lets them run past WORK or on without end). False when the call
+// must not go on (an argument reported by the query, or LWORK too small); a caller's query passes.
+template <class T>
+double real_part(const T& v) {
+  if constexpr (std::is_same_v<T, double>) return v;
+  else return v.re;
+}
+
+template <class Forward, class T>
+bool workspace_enough(Forward forward, const char* published, int64_t n, T*& work, const int64_t*& lwork,
+                      int64_t* info, int64_t position) {
+  if (*lwork == -1 || n <= 0) return true;
+  static constexpr int64_t query = -1;
+  T answer[1] = {};
+  T* const own_work = work;
+  const int64_t* const own_lwork = lwork;
+  work = answer;
+  lwork = &query;
+  forward();
+  work = own_work;
+  lwork = own_lwork;
+  if (*info != 0) return false;
+  if (static_cast<double>(*lwork) >= real_part(answer[0])) return true;
+  report(published, position);
+  *info = -position;
+  return false;
+}
+
+template <class Forward, class T>
+void least_workspace(Forward forward, const char* published, int64_t n, T*& work, const int64_t*& lwork,
+                     int64_t* info, int64_t position) {
+  if (workspace_enough(forward, published, n, work, lwork, info, position)) forward();
+}
+
+// ?ggsvd3: the workspace as above, then the non-finite screen of A and B (ALPHA, BETA NaN, INFO = N).
+template <class Forward, class T>
+void generalized_svd(Forward forward, const char* published, int64_t m, int64_t n, int64_t p, T* a, int64_t lda,
+                     T* b, int64_t ldb, double* alpha, double* beta, T*& work, const int64_t*& lwork, int64_t* info,
+                     int64_t position) {
+  if (!workspace_enough(forward, published, n, work, lwork, info, position)) return;
+  screen(forward, info, n, *lwork == -1, {full(a, m, n, lda), full(b, p, n, ldb)}, {vec(alpha, n), vec(beta, n)});
 }
 
 // drotmg: a NaN or an infinity in D1, D2, X1 or Y1 (the dependency rescales an infinite D1 forever) gives

@@ -15,6 +15,7 @@ inline constexpr std::string_view kKeywordNotRecognized = " XXX  Keyword not rec
 inline constexpr std::string_view kSecondNotRecognized = " XXX  Second keyword not recognized:  ";
 inline constexpr std::string_view kAmbiguousKeyword = " XXX  Ambiguous keyword:              ";
 inline constexpr std::string_view kSubscriptOutOfRange = " XXX  The PARM subscript is out of range:";
+inline constexpr std::string_view kLineNotApplied = " XXX  Not enough memory: the option line was not applied";
 
 // The keywords the routine reading a line acts on itself.
 enum class Directive { none, begin, end, list, nolist };

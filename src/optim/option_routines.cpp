@@ -1,5 +1,6 @@
 // Workers of the E04UCF option routines: E04UEF (one option line) and E04UDF (an options file), both acting
 // on the library-global store and printing on the advisory unit.
+#include <new>
 #include <string>
 
 #include "frame/text.h"
@@ -22,10 +23,16 @@ vek::optim::RecordSink advisory_sink(vek::optim::e04uc::Store store) {
 
 extern "C" {
 
+// Without IFAIL there is no -999: when memory runs out the line is not applied (a store update it made
+// before stays) and, with the echo on, one record from static text says so.
 void e04uefn_(const char* str, int64_t str_len) {
   const vek::optim::e04uc::Store store = vek::optim::e04uc::global_store();
-  vek::optim::set_option(vek::optim::e04uc::family, store, vek::text::view(str, str_len), "E04UEF", true,
-                         advisory_sink(store));
+  try {
+    vek::optim::set_option(vek::optim::e04uc::family, store, vek::text::view(str, str_len), "E04UEF", true,
+                           advisory_sink(store));
+  } catch (const std::bad_alloc&) {
+    if (store.listing()) vek::units::write_record(store.advisory_unit(), vek::optim::kLineNotApplied);
+  }
   vek::optim::e04uc::after_option_call(store);
 }
 

@@ -1,6 +1,7 @@
 #include "optim/options_file.h"
 
 #include <array>
+#include <new>
 
 #include "frame/text.h"
 #include "optim/option_line.h"
@@ -20,11 +21,8 @@ void note(Areas store, const RecordSink& sink, std::string_view text, int64_t un
   if (store.listing()) sink(std::string(text) + " " + text::int_text(unit));
 }
 
-}  // namespace
-
-int64_t read_options_file(const Family& family, Areas store, int64_t unit, bool listing, const RecordSource& source,
-                          const RecordSink& sink) {
-  if (unit < 0 || unit > 99) return kUnitOutOfRange;
+int64_t read_blocks(const Family& family, Areas store, int64_t unit, bool listing, const RecordSource& source,
+                    const RecordSink& sink, bool& in_block) {
   store.set_listing(listing);
   int64_t inform = kFileRead;
   std::string record;
@@ -50,6 +48,7 @@ int64_t read_options_file(const Family& family, Areas store, int64_t unit, bool 
     }
   }
 
+  in_block = true;
   const LineResult begin = process_line(family, store, option_line(record), sink);
   if (begin.after_begin == Directive::list) store.set_listing(true);
   if (begin.after_begin == Directive::nolist) store.set_listing(false);
@@ -70,6 +69,20 @@ int64_t read_options_file(const Family& family, Areas store, int64_t unit, bool 
     if (r.directive == Directive::end) return inform;
     if (r.directive == Directive::list) store.set_listing(true);
     if (r.directive == Directive::nolist) store.set_listing(false);
+  }
+}
+
+}  // namespace
+
+int64_t read_options_file(const Family& family, Areas store, int64_t unit, bool listing, const RecordSource& source,
+                          const RecordSink& sink) {
+  if (unit < 0 || unit > 99) return kUnitOutOfRange;
+  bool in_block = false;
+  try {
+    return read_blocks(family, store, unit, listing, source, sink, in_block);
+  } catch (const std::bad_alloc&) {
+    // Memory ran out (the routine has no IFAIL): reading stops as at an end of file, without its note.
+    return in_block ? kEndInBlock : kNoBlock;
   }
 }
 

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "argument_report.h"
 #include "guard_page.h"
 #include "support/unit_capture.h"
 #include "vek.h"
@@ -25,10 +26,7 @@ using namespace std::chrono_literals;
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInf = std::numeric_limits<double>::infinity();
 
-std::string report(const char* name, int position) {
-  return std::string(" ** On entry to ") + name + " parameter number " + std::to_string(position) +
-         " had an illegal value";
-}
+constexpr auto report = &vek::testing::argument_report;
 
 TEST(Guards, RowInterchangesReportBadSizesAndWalkNegativeIncrements) {
   const int64_t n = 2, lda = 3, one = 1;

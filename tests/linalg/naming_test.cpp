@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include "argument_report.h"
 #include "support/unit_capture.h"
 #include "linalg/name_map.h"
 #include "test_matrices.h"
@@ -16,9 +17,7 @@
 
 namespace {
 
-std::string illegal(const std::string& name, int number) {
-  return " ** On entry to " + name + " parameter number " + std::to_string(number) + " had an illegal value";
-}
+constexpr auto illegal = &vek::testing::argument_report;
 
 TEST(PublishedNames, DgetrfAndF07adfGiveIdenticalFactors) {
   for (int64_t m : {7, 60, 5}) {

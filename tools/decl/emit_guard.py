@@ -14,7 +14,8 @@
                                       argument, and RESULT is returned: nan, info (INFO = -position) or none.
 Arguments of a named guard: a scalar argument by value, an array by its address, &INFO a scalar's address
 (the forwarding call sees what the guard writes there), @zgemv the published name (for the argument-error report), =NTC a string.
-Expressions are C-like over the scalar arguments, with min() and max().
+Expressions are C-like over the scalar arguments, with min() and max(), and the pivot predicates of guards.h
+(pivots_ok(IPIV,N) ...); a condition is reported with the position of the first argument it names.
 """
 from __future__ import annotations
 
@@ -24,9 +25,13 @@ from .model import Routine
 
 NS = "vek::linalg::guard::"
 QUERY_ARGS = ("LWORK", "LRWORK", "LIWORK")
+# Conditions of 'guard require' that read an array (guards.h): the pivots of a factorisation.
+PREDICATES = ("pivots_ok", "tridiagonal_pivots_ok", "symmetric_pivots_ok")
 
 
-def expression(r: Routine, text: str) -> str:
+def expression(r: Routine, text: str, wide: bool = False) -> str:
+    """The C++ form of `text`; `wide`: integers in 128 bits, so that sums and products of hostile sizes
+    compare without overflowing."""
     if text.startswith("&"):  # the argument's address, where the guard needs it rather than its value
         return expression(r, text[1:]).strip("()*")
     if text.startswith("@") or text.startswith("="):  # a published name, a set of option letters
@@ -36,10 +41,14 @@ def expression(r: Routine, text: str) -> str:
         if word == "nullptr":
             return word
         if word in ("min", "max"):
-            return f"std::{word}<int64_t>"
+            return f"std::{word}<{'__int128' if wide else 'int64_t'}>"
+        if word in PREDICATES:
+            return NS + word
         a = r.arg(word)
         if a is None:
             raise ValueError(f"guard: '{word}' is not an argument of {r.name}")
+        if wide and a.is_scalar and a.base == "int":
+            return f"static_cast<__int128>(*{a.param})"
         return a.param if not a.is_scalar else f"(*{a.param})"
     return re.sub(r"(?<!')\b[A-Za-z_]\w*\b(?!')", name, text)
 
@@ -60,7 +69,7 @@ def condition(r: Routine, text: str) -> tuple[int, str]:
     if "~" in text:
         name, letters = text.split("~")
         return position, f"{NS}letter_ok({expression(r, name)}, \"{letters}\")"
-    return position, f"({expression(r, text)})"
+    return position, f"({expression(r, text, wide=True)})"
 
 
 def emit_require(r: Routine, rest: list[str]) -> list[str]:
@@ -73,6 +82,26 @@ def emit_require(r: Routine, rest: list[str]) -> list[str]:
     failed = {"nan": f"return {NS}nan();", "info": "*info = -bad;\n  return;", "none": "return;"}[result]
     return [f"  const int64_t bad = {chain} : 0;", "  if (bad == 0) return forward();",
             f"  {NS}report({expression(r, published)}, bad);", f"  {failed}"]
+
+
+def empty_text_check(r: Routine, published: str) -> list[str]:
+    """An option text of length 0 holds no letter: reported as an invalid letter is (by position, the first
+    such argument), with INFO = -position or a NaN result, and never passed on (the dependency would read
+    the letter anyway)."""
+    chars = [(1 + r.args.index(a), a.param) for a in r.char_args]
+    if not chars:
+        return []
+    if r.arg("INFO"):
+        failed = f"*{r.arg('INFO').param} = -empty;\n    return;"
+    elif r.returns == "real":
+        failed = f"return {NS}nan();"
+    elif r.returns is None:
+        failed = "return;"
+    else:
+        raise ValueError(f"{r.name}: no result for an empty option text")
+    chain = " : ".join(f"{param}_len < 1 ? {p}" for p, param in chars)
+    return [f"  if (const int64_t empty = {chain} : 0; empty != 0) [[unlikely]] {{",
+            f'    {NS}report("{published.upper()}", empty);', f"    {failed}", "  }"]
 
 
 def emit_guarded_worker(r: Routine, head: str, call: str) -> list[str]:

@@ -1,4 +1,5 @@
 #include "batch.h"
+#include "printing.h"
 
 #include <fcntl.h>
 #include <signal.h>
@@ -94,7 +95,9 @@ void run_allocation_failures(const RoutineDesc& d, const Case& c, int fd, int ti
                         const BatchOptions& opt) {
   int null_fd = open("/dev/null", O_RDWR);
   dup2(null_fd, 0);
-  dup2(null_fd, 1);
+  // The console is a file, so that what each call prints can be read back (printing.h).
+  int console = open(opt.stdout_path.c_str(), O_RDWR | O_CREAT | O_TRUNC, 0644);
+  dup2(console >= 0 ? console : null_fd, 1);
   int err = open(opt.stderr_path.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
   if (err >= 0) dup2(err, 2);
   std::set_terminate(on_terminate);
@@ -107,9 +110,11 @@ void run_allocation_failures(const RoutineDesc& d, const Case& c, int fd, int ti
         run_hard(d, calls[k], k, fd, opt.timeout_seconds);
         continue;
       }
+      const off_t console_from = console_position();
       alarm(static_cast<unsigned>(opt.timeout_seconds));
       auto found = run_case(d, calls[k]);
       alarm(0);
+      if (auto printed = unexpected_printing(d, calls[k].ifail, console_from)) found.push_back(*printed);
       report(fd, k, found);
     }
   }

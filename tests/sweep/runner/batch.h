@@ -11,7 +11,7 @@ namespace sweep {
 
 struct Event {
   std::size_t call;     // index into the routine's calls
-  std::string kind;     // crash hang sanitizer exit in-write ifail info flag leak alloc
+  std::string kind;     // crash hang sanitizer exit in-write ifail info flag leak alloc print
   std::string detail;
 };
 
@@ -23,6 +23,7 @@ struct BatchResult {
 struct BatchOptions {
   int timeout_seconds = 2;
   std::string stderr_path;  // the children's error output (sanitizer reports), read back on a crash
+  std::string stdout_path;  // the children's console, read back after each call
   bool allocation_failures = false;  // make each allocation of the first call fail in turn
   bool leak_check = false;           // LeakSanitizer over each child at its end (sanitizer build)
 };

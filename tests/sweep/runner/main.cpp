@@ -55,11 +55,11 @@ Options read_options(int argc, char** argv) {
 }
 
 const char* const kinds[] = {"crash", "hang", "sanitizer", "exit", "in-write", "ifail", "info", "flag", "alloc",
-                             "leak"};
+                             "leak", "print"};
 const char* const kind_titles[] = {"crashes", "hangs", "sanitizer reports", "unexpected process stops",
                                    "writes to in arguments", "undeclared IFAIL values", "INFO faults",
                                    "flag not cleared on failure", "allocation failures not reported as -999",
-                                   "leaks"};
+                                   "leaks", "printing beyond the documented report"};
 
 }  // namespace
 
@@ -87,6 +87,7 @@ int main(int argc, char** argv) {
   BatchOptions bopt;
   bopt.timeout_seconds = opt.timeout;
   bopt.stderr_path = std::string(dir) + "/stderr.txt";
+  bopt.stdout_path = std::string(dir) + "/console.txt";
   bopt.allocation_failures = opt.alloc;
   // A leak check costs about 0.1 s per child: made by the allocation-failure sweep and the long run.
   bopt.leak_check = opt.alloc || opt.long_run;

@@ -35,6 +35,11 @@ void writes_in_argument(Call& c) {
   *c.ifail = 0;
 }
 void undeclared_ifail(Call& c) { *c.ifail = n_of(c) < 0 ? 7 : 0; }
+// Prints a record that is no error report, whatever IFAIL asks.
+void prints(Call& c) {
+  std::printf(" progress: N = %lld\n", static_cast<long long>(n_of(c)));
+  *c.ifail = 0;
+}
 void hangs(Call& c) {
   if (n_of(c) == 0)
     for (;;) pause();
@@ -59,6 +64,7 @@ int self_test(int timeout) {
       {fake("writes_in_argument", writes_in_argument), "in-write"},
       {fake("undeclared_ifail", undeclared_ifail), "ifail"},
       {fake("hangs", hangs), "hang"},
+      {fake("prints", prints), "print"},
   };
   char dir_template[] = "/tmp/vek_sweep_self_XXXXXX";
   const char* dir = mkdtemp(dir_template);
@@ -66,6 +72,7 @@ int self_test(int timeout) {
   BatchOptions opt;
   opt.timeout_seconds = timeout;
   opt.stderr_path = std::string(dir) + "/stderr.txt";
+  opt.stdout_path = std::string(dir) + "/console.txt";
   int wrong = 0;
   for (const Planted& p : planted) {
     const BatchResult r = run_routine(p.d, build_cases(p.d, false), opt);
@@ -84,6 +91,7 @@ int self_test(int timeout) {
     wrong += !ok;
   }
   unlink(opt.stderr_path.c_str());
+  unlink(opt.stdout_path.c_str());
   rmdir(dir);
   return wrong ? 1 : 0;
 }

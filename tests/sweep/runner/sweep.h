@@ -51,7 +51,7 @@ std::string describe(const RoutineDesc& d, const Case& c);
 
 // One failure found by a call.
 struct Finding {
-  std::string kind;   // crash hang sanitizer exit in-write ifail info flag leak alloc
+  std::string kind;   // crash hang sanitizer exit in-write ifail info flag leak alloc print
   std::string detail;
 };
 
