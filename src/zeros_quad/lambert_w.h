@@ -13,6 +13,9 @@
 // u - ln u = -ln(-z), u = -w (lower branch).
 #pragma once
 
+#include <complex>
+#include <cstdint>
+
 namespace vek::zeros_quad {
 
 enum class LambertBranch { principal = 0, lower = -1 };
@@ -31,5 +34,16 @@ inline constexpr double kLambertBranchSlack = 0x1p-53;
 
 // W on the branch. Requires y >= -kLambertBranchSlack, and z < 0 for the lower branch; NaN gives NaN.
 double lambert_w(LambertArgument a, LambertBranch branch);
+
+// The complex Lambert W function on any branch k, with the branch cuts of Corless et al.: (-inf, -1/e] for
+// k = 0, (-inf, 0] otherwise, each cut belonging to the side reached counter-clockwise; a signed zero imaginary
+// part chooses the side. Near -1/e the branches meeting there (W0, W-1 from above, W1 from below) are found as
+// for real arguments; elsewhere Halley's iteration from the branch-point expansion, the Pade approximant at 0
+// (k = 0) or the asymptotic expansion in ln z + 2 pi i k. W_k(0) = -inf for k /= 0.
+struct ComplexLambertArgument {
+  std::complex<double> z, y;  // y = e z + 1
+};
+ComplexLambertArgument lambert_argument(std::complex<double> x, bool offset);
+std::complex<double> lambert_w(ComplexLambertArgument a, int64_t branch);
 
 }  // namespace vek::zeros_quad

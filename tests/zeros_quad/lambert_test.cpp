@@ -94,3 +94,50 @@ TEST(LambertW, MessagesAndEdges) {
   }
   EXPECT_EQ(lambert(-5e-324, -1, false, &ifail) < -750, true);
 }
+
+TEST(LambertW, ComplexAgainstMpmath) {
+  // Relative error |w - W| / |W| in units of 2^-52, per region; RESID small against |z|.
+  std::ifstream file(std::string(VEK_TEST_DATA_DIR) + "/lambert_w_complex.txt");
+  ASSERT_TRUE(file.good());
+  std::map<std::string, double> worst;
+  int points = 0;
+  for (std::string line; std::getline(file, line);) {
+    if (line.empty() || line[0] == '#') continue;
+    std::istringstream in(line);
+    std::string region, t[4];
+    int64_t branch = 0, offset = 0;
+    in >> region >> branch >> offset >> t[0] >> t[1] >> t[2] >> t[3];
+    double v[4];
+    for (int k = 0; k < 4; ++k) v[k] = std::strtod(t[k].c_str(), nullptr);
+    const vek_complex z{v[0], v[1]};
+    vek_complex w{};
+    double resid = -1.0;
+    int64_t ifail = -1;
+    c05bbf_(&z, &branch, &offset, &w, &resid, &ifail);
+    EXPECT_EQ(ifail, 0) << line;
+    const double e = std::hypot(w.re - v[2], w.im - v[3]) / std::hypot(v[2], v[3]) / 0x1p-52;
+    worst[region] = std::max(worst[region], e);
+    EXPECT_LE(e, 3.0) << line << " got " << w.re << " " << w.im;
+    EXPECT_GE(resid, 0.0);
+    ++points;
+  }
+  EXPECT_GT(points, 400);
+  for (const auto& [region, e] : worst) std::printf("  %-14s max %.2f x 2^-52\n", region.c_str(), e);
+
+  // W_k(0) is -inf off the principal branch; the principal W(0) = 0.
+  const vek_complex zero{0.0, 0.0};
+  vek_complex w{};
+  double resid = 0.0;
+  int64_t branch = 0, offset = 0, ifail = -1;
+  c05bbf_(&zero, &branch, &offset, &w, &resid, &ifail);
+  EXPECT_EQ(ifail, 0);
+  EXPECT_EQ(w.re, 0.0);
+  branch = 3;
+  vek::testing::expect_report(
+      [&](int64_t* f) {
+        c05bbf_(&zero, &branch, &offset, &w, &resid, f);
+        EXPECT_EQ(w.re, -std::numeric_limits<double>::infinity());
+      },
+      1, {" ** On entry, Z = 0 and BRANCH = 3: W is infinite there.", " ** Constraint: if BRANCH /= 0, the argument must not be 0."},
+      "C05BBF");
+}
