@@ -25,6 +25,9 @@ LENGTHS = {
     # gesvdx: U is LDU by NS (at most min(M,N)) when JOBU = 'V'; VT is LDVT by N.
     ("gesvdx", "U"): "JOBU in {'V'} ? LDU*min(M,N) : 0",
     ("gesvdx", "VT"): "JOBVT in {'V'} ? LDVT*N : 0",
+    # S receives the eigenvalues of the order 2*min(M,N) Golub-Kahan matrix that ?bdsvdx finds in its
+    # interval: for a zero matrix (all of them zero) more than min(M,N) of them.
+    ("gesvdx", "S"): "2*min(M,N)",
     # the eigenvector count M is an output: at most IU-IL+1 when RANGE = 'I', else at most N.
     **{(r, "Z"): "JOBZ in {'N'} ? 0 : RANGE in {'I'} ? LDZ*max(1,IU-IL+1) : LDZ*max(1,N)" for r in SELECTED},
     **{(r, "ISUPPZ"): "RANGE in {'I'} ? 2*max(1,IU-IL+1) : 2*max(1,N)" for r in ("syevr", "heevr", "stevr", "stemr")},
