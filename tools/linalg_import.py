@@ -218,8 +218,9 @@ MIXED = {"sgesv": "Solves A X = B for a general matrix by single-precision LU an
 SVD = "full(A,M,N,LDA) -> vec(S,min(M,N))"
 JACOBI_SVD = "full(A,M,N,LDA) -> vec(SVA,N)"
 LEAST_SQUARES = "full(A,M,N,LDA) -> vec(S,min(M,N)) full(B,max(M,N),NRHS,LDB)"
-BIDIAGONAL = "vec(D,N,1) vec(E,N-1,0) -> vec(D,N)"
-TRIDIAGONAL_W = "vec(D,N,1) vec(E,N-1,0) -> vec(W,N)"
+# The off-diagonal's length max(N,1) - 1: N - 1 would wrap round for N = -2^63.
+BIDIAGONAL = "vec(D,N,1) vec(E,max(N,1)-1,0) -> vec(D,N)"
+TRIDIAGONAL_W = "vec(D,N,1) vec(E,max(N,1)-1,0) -> vec(W,N)"
 SYM = "tri(A,UPLO,N,LDA) -> vec(W,N)"
 SYM_PACKED = "packed(AP,UPLO,N) -> vec(W,N)"
 SYM_BAND = "band(AB,UPLO,N,KD,LDAB) -> vec(W,N)"

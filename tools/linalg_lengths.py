@@ -25,6 +25,9 @@ LENGTHS = {
     # gesvdx: U is LDU by NS (at most min(M,N)) when JOBU = 'V'; VT is LDVT by N.
     ("gesvdx", "U"): "JOBU in {'V'} ? LDU*min(M,N) : 0",
     ("gesvdx", "VT"): "JOBVT in {'V'} ? LDVT*N : 0",
+    # S receives the eigenvalues of the order 2*min(M,N) Golub-Kahan matrix that ?bdsvdx finds in its
+    # interval: for a zero matrix (all of them zero) more than min(M,N) of them.
+    ("gesvdx", "S"): "2*min(M,N)",
     # the eigenvector count M is an output: at most IU-IL+1 when RANGE = 'I', else at most N.
     **{(r, "Z"): "JOBZ in {'N'} ? 0 : RANGE in {'I'} ? LDZ*max(1,IU-IL+1) : LDZ*max(1,N)" for r in SELECTED},
     **{(r, "ISUPPZ"): "RANGE in {'I'} ? 2*max(1,IU-IL+1) : 2*max(1,N)" for r in ("syevr", "heevr", "stevr", "stemr")},
@@ -57,6 +60,20 @@ LENGTHS = {
     ("gelsd", "RWORK"): "max(1, 10*min(M,N) + 2*min(M,N)*25 + 8*min(M,N)*63 + 3*25*NRHS + max(26*26, "
                         "min(M,N)*(1+NRHS) + 2*NRHS))",
 }
+# Arrays that OpenBLAS's routine touches beyond the manual's dimension in valid calls, by full routine name:
+# the expert drivers store the reciprocal pivot growth in element 1 of WORK (RWORK) even for N = 0, and with
+# NRHS = 0 the mixed-precision drivers still use WORK as the norm's N-element workspace while dgtsv (its
+# back substitution runs once before testing the column count) and ?gelss touch the first column of B.
+BEYOND_MANUAL = {
+    ("dgesvx", "WORK"): "max(1,4*N)", ("dgbsvx", "WORK"): "max(1,3*N)",
+    ("zgesvx", "RWORK"): "max(1,2*N)", ("zgbsvx", "RWORK"): "max(1,N)",
+    ("dsgesv", "WORK"): "N*max(1,NRHS)", ("dsposv", "WORK"): "N*max(1,NRHS)",
+    ("dgtsv", "B"): "LDB*max(1,NRHS)", ("dgelss", "B"): "LDB*max(1,NRHS)", ("zgelss", "B"): "LDB*max(1,NRHS)",
+}
+# A workspace dimensioned by its length argument alone ("dimension (LWORK)") holds at least one element: a
+# workspace query (LWORK = -1) returns the optimal length in its element 1, and the routines store it there
+# before testing LWORK.
+WORKSPACE_LENGTH_RE = re.compile(r"L\w*WORK")
 # Names of the manual that stand for an expression over the arguments, in every routine that uses them.
 AUXILIARY = {"NQ": "(SIDE in {'L'} ? M : N)"}
 
@@ -99,12 +116,14 @@ class Page:
 
     def length(self, routine: str, name: str, scalars: set[str], options: set[str]) -> str | None:
         """The declared length of the array NAME of ROUTINE (a manual page's name), or None."""
-        by_hand = LENGTHS.get((routine[1:], name))
+        by_hand = BEYOND_MANUAL.get((routine, name), LENGTHS.get((routine[1:], name)))
         if by_hand is not None:
             return by_hand
         if name not in self.dims:
             return None
         e = length(self.dims[name], scalars)
+        if e is not None and WORKSPACE_LENGTH_RE.fullmatch(e):
+            e = f"max(1,{e})"
         unused = unused_when(self.blocks[name], name, options)
         return f"{unused} ? 0 : {e}" if e is not None and unused else e
 

@@ -1,7 +1,8 @@
 # The BLAS/LAPACK bodies: Debian's ILP64 OpenMP OpenBLAS static archive, linked into the library with all its
 # symbols renamed vekob_* (src/linalg/rename_archive.py), so that nothing of it is visible outside and our
-# exported published names (dgemm_, dgetrf_ ...) are the library's own entries. Its LAPACK part is Fortran:
-# it needs the gfortran run-time library, which is not a BLAS.
+# exported published names (dgemm_, dgetrf_ ...) are the library's own entries. The routines named by --own
+# are the library's for every caller (src/linalg/vector_kernel_routes.cpp: kernels that read past arrays).
+# Its LAPACK part is Fortran: it needs the gfortran run-time library, which is not a BLAS.
 find_library(VEK_OPENBLAS64_ARCHIVE NAMES libopenblas64.a PATH_SUFFIXES openblas64-openmp REQUIRED
              DOC "Debian libopenblas64-openmp-dev static archive")
 execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=libgfortran.so
@@ -10,12 +11,23 @@ if(NOT IS_ABSOLUTE "${VEK_GFORTRAN_LIBRARY}")
   message(FATAL_ERROR "libgfortran.so not found (install gfortran through tools/deps.sh)")
 endif()
 
+# Kernels that read past arrays, per target of OpenBLAS's one C source each (vector_kernel_routes.cpp).
+set(VEK_OPENBLAS_KERNEL_ROUTES)
+foreach(target SANDYBRIDGE HASWELL SKYLAKEX COOPERLAKE ZEN BULLDOZER PILEDRIVER STEAMROLLER EXCAVATOR)
+  list(APPEND VEK_OPENBLAS_KERNEL_ROUTES --own zdotc_k_${target} --own zdotu_k_${target})
+endforeach()
+foreach(target HASWELL SKYLAKEX COOPERLAKE ZEN)
+  foreach(variant n r o s)
+    list(APPEND VEK_OPENBLAS_KERNEL_ROUTES --own zgemv_${variant}_${target})
+  endforeach()
+endforeach()
 set(VEK_OPENBLAS_RENAMED ${PROJECT_BINARY_DIR}/linalg/libvekob.a)
 add_custom_command(
   OUTPUT ${VEK_OPENBLAS_RENAMED}
   COMMAND ${CMAKE_COMMAND} -E make_directory ${PROJECT_BINARY_DIR}/linalg
   COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_LIST_DIR}/rename_archive.py --nm ${CMAKE_NM}
           --objcopy ${CMAKE_OBJCOPY} --ar ${CMAKE_AR} --prefix vekob_ --drop xerbla.o
+          --own zhemv_ ${VEK_OPENBLAS_KERNEL_ROUTES}
           ${VEK_OPENBLAS64_ARCHIVE} ${VEK_OPENBLAS_RENAMED}
   DEPENDS ${CMAKE_CURRENT_LIST_DIR}/rename_archive.py ${VEK_OPENBLAS64_ARCHIVE}
   COMMENT "Renaming the OpenBLAS archive's symbols (vekob_)"

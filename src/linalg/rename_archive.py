@@ -1,11 +1,36 @@
 #!/usr/bin/env python3
 """Build step: copies the OpenBLAS static archive with every defined global symbol renamed PREFIX + name, so
 that the library's own exported dgemm_, dgetrf_ ... never meet OpenBLAS's, and removes the members named
-by --drop (the archive's xerbla, replaced by the library's argument-error hook under the renamed name)."""
+by --drop (the archive's xerbla, replaced by the library's argument-error hook under the renamed name).
+A symbol named by --own keeps PREFIX + name for every caller, the archive's members included, and is defined
+by the library; the archive's own definition is renamed PREFIX + "openblas_" + name, for the library's to call."""
 import argparse
 import shutil
 import subprocess
+import tempfile
 from pathlib import Path
+
+
+def own_definitions(args, archive):
+    """Renames each --own symbol's definition PREFIX + name to PREFIX + "openblas_" + name, in the one member
+    that defines it; the other members' references keep PREFIX + name."""
+    listing = subprocess.run([args.nm, "-A", "--defined-only", "-g", str(archive)], capture_output=True,
+                             text=True, check=True).stdout
+    wanted = {args.prefix + name: args.prefix + "openblas_" + name for name in args.own}
+    defining = {}  # member -> its symbols to rename
+    for line in listing.splitlines():
+        symbol = line.split()[-1]
+        if symbol in wanted:
+            defining.setdefault(line.split(":")[1], []).append(symbol)
+    missing = wanted.keys() - {s for symbols in defining.values() for s in symbols}
+    if missing:
+        raise SystemExit(f"not defined by the archive: {sorted(missing)}")
+    with tempfile.TemporaryDirectory() as tmp:
+        subprocess.run([args.ar, "x", str(archive.resolve()), *defining], cwd=tmp, check=True)
+        for member, symbols in defining.items():
+            subprocess.run([args.objcopy, *(f"--redefine-sym={s}={wanted[s]}" for s in symbols), member], cwd=tmp,
+                           check=True)
+        subprocess.run([args.ar, "r", str(archive.resolve()), *defining], cwd=tmp, check=True)
 
 
 def main():
@@ -15,6 +40,7 @@ def main():
     ap.add_argument("--ar", required=True)
     ap.add_argument("--prefix", required=True)
     ap.add_argument("--drop", action="append", default=[])
+    ap.add_argument("--own", action="append", default=[])
     ap.add_argument("archive", type=Path)
     ap.add_argument("output", type=Path)
     args = ap.parse_args()
@@ -29,6 +55,8 @@ def main():
     subprocess.run([args.objcopy, f"--redefine-syms={map_file}", str(work)], check=True)
     if args.drop:
         subprocess.run([args.ar, "d", str(work), *args.drop], check=True)
+    if args.own:
+        own_definitions(args, work)
     work.replace(args.output)
 
 

@@ -1,6 +1,8 @@
 #include "batch.h"
 #include "printing.h"
 
+#include "fault_site.h"
+
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -101,6 +103,9 @@ void run_allocation_failures(const RoutineDesc& d, const Case& c, int fd, int ti
   int err = open(opt.stderr_path.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
   if (err >= 0) dup2(err, 2);
   std::set_terminate(on_terminate);
+#ifndef SWEEP_LSAN
+  locate_faults();
+#endif
   if (opt.allocation_failures) {
     run_allocation_failures(d, calls[0], fd, opt.timeout_seconds);
   } else {
@@ -222,6 +227,8 @@ BatchResult run_routine(const RoutineDesc& d, const std::vector<Case>& calls, co
       e.detail += sanitizer_excerpt(err);
     } else if (auto at = err.find("sweep: an exception"); at != std::string::npos) {
       e.detail += "\n      " + err.substr(at, 1200);
+    } else if (auto fault = err.find("sweep: fault"); fault != std::string::npos) {
+      e.detail += ", " + err.substr(fault + 13, err.find('\n', fault) - fault - 13);
     }
     result.events.push_back(e);
     next = static_cast<std::size_t>(current + 1);

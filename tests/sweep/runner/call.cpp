@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 
+#include "fault_site.h"
 #include "sweep.h"
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -161,6 +162,7 @@ std::vector<Finding> run_case(const RoutineDesc& d, const Case& c, int64_t fail_
   std::vector<std::unique_ptr<Guarded>> store;
   std::vector<std::string> before(d.nargs);
   Call call;
+  forget_arrays();
   for (int k = 0; k < d.nargs; ++k) {
     const ArgDesc& a = d.args[k];
     const ArgValue& v = c.v[k];
@@ -170,6 +172,7 @@ std::vector<Finding> run_case(const RoutineDesc& d, const Case& c, int64_t fail_
                                       : static_cast<std::size_t>(n) * element_bytes(a.base);
     store.push_back(std::make_unique<Guarded>(bytes));
     unsigned char* p = store.back()->data();
+    note_array(a.name, p, bytes);
     if (a.shape == scalar) fill_scalar(a, v, p);
     else fill_array(a, v, p, n);
     if (k == d.info) *reinterpret_cast<int64_t*>(p) = info_sentinel;
