@@ -21,12 +21,8 @@
 #include "frame/threads.h"
 #include "layers/f07.h"
 #include "linalg/argument_error.h"
+#include "linalg/level3_symbols.h"
 #include "linalg/lu_factor.h"
-#include "forwarded.h"
-
-// OpenBLAS's own LU (recursive, for the panels); no library routine forwards to it, f07adf being this file.
-extern "C" void vekob_dgetrf_(const int64_t* m, const int64_t* n, double* a, const int64_t* lda, int64_t* ipiv,
-                              int64_t* info);
 
 namespace vek::linalg {
 namespace {
