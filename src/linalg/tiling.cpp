@@ -10,7 +10,8 @@ namespace {
 constexpr int64_t kAlign = 16;         // tile edges at multiples of the kernels' register blocking
 constexpr int64_t kMinEdge = 128;      // shorter tiles lose the dependency's cache blocking
 constexpr double kMinFlops = 1.6e7;    // a tile's work: well above the cost of starting a team (~10 us)
-constexpr int64_t kCounts[] = {8, 6, 4, 2, 1};  // even counts share evenly between two threads
+// Even counts share evenly between two threads; more tiles would pack the operands more often.
+constexpr int64_t kCounts[] = {4, 2, 1};
 
 int64_t aligned(double edge, int64_t n) {
   const auto e = static_cast<int64_t>(std::llround(edge / kAlign)) * kAlign;
