@@ -48,8 +48,10 @@ VEK_LEVEL3_ALL(vektl_)
 // Row interchanges, used by the LU factorisation.
 void vekob_dlaswp_(const int64_t* n, double* a, const int64_t* lda, const int64_t* k1, const int64_t* k2,
                    const int64_t* ipiv, const int64_t* incx);
-// OpenBLAS's own LU (recursive), for the panels of the library's blocked LU.
+// OpenBLAS's own LU (recursive) and Cholesky factorisation, for the panels and diagonal blocks of the
+// library's blocked factorisations.
 void vekob_dgetrf_(const int64_t* m, const int64_t* n, double* a, const int64_t* lda, int64_t* ipiv, int64_t* info);
+void vekob_dpotrf_(const char* uplo, const int64_t* n, double* a, const int64_t* lda, int64_t* info, int64_t uplo_len);
 }
 
 #undef VEK_LEVEL3_ALL

@@ -1,6 +1,6 @@
-// Routines whose bodies are OpenBLAS's (the library links the OpenMP build of OpenBLAS, which it keeps on the
-// calling thread): the matrix product (f06yaf, tiled by the library), the Cholesky factorisation (f07fdf)
-// and the LU solve (f07aef), with the LU factors of f07adf.
+// Routines built on OpenBLAS (the library links the OpenMP build of OpenBLAS and keeps it on the calling
+// thread): the matrix product (f06yaf, tiled by the library), the Cholesky factorisation (f07fdf, blocked by
+// the library over the tiled routines) and the LU solve (f07aef, OpenBLAS's), with the LU factors of f07adf.
 #include <gtest/gtest.h>
 #include <omp.h>
 

@@ -281,5 +281,41 @@ TEST_F(ReproducibleLinalg, FactorisationsAndDecompositionsAtOneThousand) {
   }
 }
 
+// The blocked Cholesky factorisation against the dependency's unblocked one: both triangles, several blocks,
+// a matrix that stops being positive definite in its second block, and the argument checks.
+TEST_F(ReproducibleLinalg, CholeskyFactorAgainstTheDependency) {
+  const int64_t n = 600;
+  const std::vector<double> a = uniform(n * n, 12);
+  std::vector<double> spd(a.size());
+  const double scale = 1.0 / static_cast<double>(n), zero = 0.0;
+  set_threads(2);
+  dgemm_("N", "T", &n, &n, &n, &scale, a.data(), &n, a.data(), &n, &zero, spd.data(), &n, 1, 1);
+  for (int64_t i = 0; i < n; ++i) spd[static_cast<size_t>(i + i * n)] += 1.0;
+  for (const char* uplo : {"L", "U"}) {
+    std::vector<double> ours = spd, theirs = spd;
+    int64_t info = -1, their_info = -1;
+    dpotrf_(uplo, &n, ours.data(), &n, &info, 1);
+    vekob_dpotrf_(uplo, &n, theirs.data(), &n, &their_info, 1);
+    EXPECT_EQ(info, 0);
+    EXPECT_EQ(their_info, 0);
+    EXPECT_LT(relative_difference(ours, theirs), 1e-13) << uplo;
+    // Not positive definite from order 401 on (the second block of 256).
+    std::vector<double> broken = spd;
+    broken[static_cast<size_t>(400 + 400 * n)] = -1.0;
+    dpotrf_(uplo, &n, broken.data(), &n, &info, 1);
+    EXPECT_EQ(info, 401) << uplo;
+  }
+  std::vector<double> untouched = spd;
+  int64_t info = 0;
+  const int64_t negative = -1, small = n - 1;
+  dpotrf_("X", &n, untouched.data(), &n, &info, 1);
+  EXPECT_EQ(info, -1);
+  dpotrf_("L", &negative, untouched.data(), &n, &info, 1);
+  EXPECT_EQ(info, -2);
+  dpotrf_("L", &n, untouched.data(), &small, &info, 1);
+  EXPECT_EQ(info, -4);
+  EXPECT_TRUE(same_bits(untouched, spd));
+}
+
 }  // namespace
 }  // namespace vek_threads_test
