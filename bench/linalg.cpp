@@ -158,12 +158,11 @@ void BM_Level3(benchmark::State& state) {
     return [&, f] {
       if constexpr (std::is_same_v<decltype(f), decltype(&dgemm_)>) {
         f("N", "N", &n, &n, &n, &alpha, a.data(), &n, b.data(), &n, &beta, c.data(), &n, 1, 1);
-      } else if constexpr (std::is_same_v<decltype(f), decltype(&dsymm_)>) {
-        f("L", "L", &n, &n, &alpha, a.data(), &n, b.data(), &n, &beta, c.data(), &n, 1, 1);
+      } else if constexpr (std::is_same_v<decltype(f), decltype(&dsymm_)>) {  // also the type of dsyr2k_
+        if (which == kDsyr2k) f("U", "N", &n, &n, &alpha, a.data(), &n, b.data(), &n, &beta, c.data(), &n, 1, 1);
+        else f("L", "L", &n, &n, &alpha, a.data(), &n, b.data(), &n, &beta, c.data(), &n, 1, 1);
       } else if constexpr (std::is_same_v<decltype(f), decltype(&dsyrk_)>) {
         f("L", "N", &n, &n, &alpha, a.data(), &n, &beta, c.data(), &n, 1, 1);
-      } else if constexpr (std::is_same_v<decltype(f), decltype(&dsyr2k_)>) {
-        f("U", "N", &n, &n, &alpha, a.data(), &n, b.data(), &n, &beta, c.data(), &n, 1, 1);
       } else if constexpr (std::is_same_v<decltype(f), decltype(&dtrmm_)>) {
         f("L", "L", "N", "N", &n, &n, &tri_alpha, a.data(), &n, c.data(), &n, 1, 1, 1, 1);
       } else if constexpr (std::is_same_v<decltype(f), decltype(&zgemm_)>) {

@@ -67,4 +67,9 @@ void f07fdfn_(const char* uplo, const int64_t* n, double* a, const int64_t* lda,
   *info = vek::linalg::cholesky_factor(u == 'L', *n, a, *lda);
 }
 
+void vektl_dpotrf_(const char* uplo, const int64_t* n, double* a, const int64_t* lda, int64_t* info,
+                   int64_t uplo_len) {
+  f07fdfn_(uplo, n, a, lda, info, uplo_len);
+}
+
 }  // extern "C"

@@ -52,6 +52,10 @@ void vekob_dlaswp_(const int64_t* n, double* a, const int64_t* lda, const int64_
 // library's blocked factorisations.
 void vekob_dgetrf_(const int64_t* m, const int64_t* n, double* a, const int64_t* lda, int64_t* ipiv, int64_t* info);
 void vekob_dpotrf_(const char* uplo, const int64_t* n, double* a, const int64_t* lda, int64_t* info, int64_t uplo_len);
+// The library's blocked LU and Cholesky factorisations (f07adf, f07fdf) under the names that the calls of
+// dgetrf and dpotrf inside OpenBLAS's LAPACK (dgesvx, dsgesv, dposv, dposvx, dsygv ...) are sent to.
+void vektl_dgetrf_(const int64_t* m, const int64_t* n, double* a, const int64_t* lda, int64_t* ipiv, int64_t* info);
+void vektl_dpotrf_(const char* uplo, const int64_t* n, double* a, const int64_t* lda, int64_t* info, int64_t uplo_len);
 }
 
 #undef VEK_LEVEL3_ALL

@@ -226,6 +226,13 @@ std::vector<double> decompositions(const std::vector<double>& a, const std::vect
   dpotrf_("L", &n, chol.data(), &n, &info, 1);
   keep(chol);
   out.push_back(static_cast<double>(info));
+  // A driver of the dependency's LAPACK whose factorisation is sent to the library's Cholesky.
+  std::vector<double> pos = spd, rhs(a.begin(), a.begin() + n);
+  const int64_t one = 1;
+  dposv_("U", &n, &one, pos.data(), &n, rhs.data(), &n, &info, 1);
+  keep(pos);
+  keep(rhs);
+  out.push_back(static_cast<double>(info));
   std::vector<double> qr = a, tau(static_cast<size_t>(n)), work(1);
   int64_t lwork = -1;
   dgeqrf_(&n, &n, qr.data(), &n, tau.data(), work.data(), &lwork, &info);
