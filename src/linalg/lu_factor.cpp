@@ -1,38 +1,36 @@
 // F07ADF (published as DGETRF): LU factorisation with partial pivoting, A = P L U, of a real M by N matrix.
 //
 // The arguments are checked here, in argument order (M, N, LDA: INFO = -1, -2, -4 with the argument-error
-// report "F07ADF/DGETRF"). The factorisation is right-looking and blocked so that its rounding does not depend
-// on the team size: for each panel of kPanel columns,
-//   1. the panel is factorised serially (OpenBLAS's recursive LU on one thread),
-//   2. its row interchanges are applied to the columns on its left,
-//   3. the columns on its right are updated in chunks: interchanges, U12 = L11^-1 A12, A22 -= L21 U12. The
-//      chunks are fixed by the matrix, not by the team (the next panel's columns, then kChunk columns at a
-//      time); each is computed whole by one thread, so every element sees the same operations in the same
-//      order with 1, 2 or any number of threads. The thread that updates the next panel's columns goes on to
-//      factorise that panel while the others finish the update (look-ahead), which keeps the serial panel
-//      work off the critical path.
-// The team is the one x06aaf sets; inside a caller's active parallel region the loop runs on one thread.
+// report "F07ADF/DGETRF"). The factorisation is right-looking and blocked, with its pieces fixed by the matrix
+// alone so that its rounding does not depend on the team:
+//   - panels of kPanel columns, each factorised by the dependency's recursive LU on one thread;
+//   - the columns right of panel s updated, one unit of kUnit panel widths at a time, by the panel's
+//     interchanges, U12 = L11^-1 A12 and A22 -= L21 U12 (the dependency's dlaswp, dtrsm, dgemm on one thread);
+//   - the interchanges of the later panels applied to the columns of panel s once its updates are done.
+// Every unit receives its updates in panel order, each computed whole by one thread, so every element sees
+// the same operations in the same order with 1, 2 or any number of threads. Which thread runs which piece is
+// decided as they become ready (a dependency graph, no barrier between panels): the next panel's
+// factorisation first, then the update nearest to it, then the deferred interchanges; so the serial panel
+// work overlaps the updates of the columns further right (look-ahead of any depth).
+// The team is the one x06aaf sets; inside a caller's active parallel region everything runs on one thread.
 // INFO = i > 0 reports the first exactly zero U(i,i), silently; the factorisation is completed.
 #include <algorithm>
+#include <condition_variable>
 #include <cstdint>
-
-#include <omp.h>
+#include <mutex>
+#include <vector>
 
 #include "frame/threads.h"
 #include "layers/f07.h"
 #include "linalg/argument_error.h"
+#include "linalg/level3_symbols.h"
 #include "linalg/lu_factor.h"
-#include "forwarded.h"
-
-// OpenBLAS's own LU (recursive, for the panels); no library routine forwards to it, f07adf being this file.
-extern "C" void vekob_dgetrf_(const int64_t* m, const int64_t* n, double* a, const int64_t* lda, int64_t* ipiv,
-                              int64_t* info);
 
 namespace vek::linalg {
 namespace {
 
-constexpr int64_t kPanel = 256;
-constexpr int64_t kChunk = 512;
+constexpr int64_t kPanel = 256;  // columns per panel
+constexpr int64_t kUnit = 2;     // panels per update unit: one dgemm packs L21 once for 512 columns
 constexpr int64_t kOne = 1;
 constexpr double kPlusOne = 1.0;
 constexpr double kMinusOne = -1.0;
@@ -40,20 +38,43 @@ constexpr double kMinusOne = -1.0;
 // Element (i, j), 0-based, of the column-major matrix.
 inline double* at(double* a, int64_t lda, int64_t i, int64_t j) { return a + i + j * lda; }
 
-// The panel A(k:m, k:k+jb) factorised by OpenBLAS's recursive LU; the caller makes it serial. Pivots become
-// global row numbers; returns the global column of the first exactly zero pivot, or 0.
-int64_t factor_panel(int64_t m, int64_t k, int64_t jb, double* a, int64_t lda, int64_t* ipiv) {
-  const int64_t rows = m - k;
+// The panels and update units of an m by n matrix, and which panel steps each unit needs.
+struct Pieces {
+  int64_t m, n, mn, panels, units;
+  std::vector<int64_t> needs;  // steps 0 .. needs[u]-1 update unit u: the panels ending left of its end
+
+  Pieces(int64_t rows, int64_t cols) : m(rows), n(cols), mn(std::min(rows, cols)) {
+    panels = (mn + kPanel - 1) / kPanel;
+    units = (n + kUnit * kPanel - 1) / (kUnit * kPanel);
+    needs.resize(static_cast<size_t>(units));
+    for (int64_t u = 0; u < units; ++u) {
+      int64_t s = 0;
+      while (s < panels && panel_end(s) < unit_end(u)) ++s;
+      needs[static_cast<size_t>(u)] = s;
+    }
+  }
+  int64_t panel_begin(int64_t p) const { return p * kPanel; }
+  int64_t panel_end(int64_t p) const { return std::min((p + 1) * kPanel, mn); }
+  int64_t unit_begin(int64_t u) const { return u * kUnit * kPanel; }
+  int64_t unit_end(int64_t u) const { return std::min((u + 1) * kUnit * kPanel, n); }
+  int64_t unit_of(int64_t p) const { return p / kUnit; }
+};
+
+// Panel p factorised in place; pivots become global row numbers. Returns the global column of the first
+// exactly zero pivot, or 0.
+int64_t factor_panel(const Pieces& g, int64_t p, double* a, int64_t lda, int64_t* ipiv) {
+  const int64_t k = g.panel_begin(p), jb = g.panel_end(p) - k, rows = g.m - k;
   int64_t info = 0;
   vekob_dgetrf_(&rows, &jb, at(a, lda, k, k), &lda, ipiv + k, &info);
   for (int64_t i = k; i < k + jb; ++i) ipiv[i] += k;
   return info > 0 ? info + k : 0;
 }
 
-// Columns j0 .. j0+nc-1 right of the panel at k: interchanges, triangular solve, trailing update.
-void update_chunk(int64_t m, int64_t k, int64_t jb, int64_t j0, int64_t nc, double* a, int64_t lda,
-                  const int64_t* ipiv) {
-  const int64_t k1 = k + 1, k2 = k + jb, below = m - k - jb;
+// Step s on the columns of unit u right of panel s: interchanges, triangular solve, trailing update.
+void update_unit(const Pieces& g, int64_t s, int64_t u, double* a, int64_t lda, const int64_t* ipiv) {
+  const int64_t k = g.panel_begin(s), jb = g.panel_end(s) - k, below = g.m - k - jb;
+  const int64_t j0 = std::max(g.unit_begin(u), g.panel_end(s)), nc = g.unit_end(u) - j0;
+  const int64_t k1 = k + 1, k2 = k + jb;
   vekob_dlaswp_(&nc, at(a, lda, 0, j0), &lda, &k1, &k2, ipiv, &kOne);
   vekob_dtrsm_("L", "L", "N", "U", &jb, &nc, &kPlusOne, at(a, lda, k, k), &lda, at(a, lda, k, j0), &lda, 1, 1, 1, 1);
   if (below > 0)
@@ -61,44 +82,143 @@ void update_chunk(int64_t m, int64_t k, int64_t jb, int64_t j0, int64_t nc, doub
                  &kPlusOne, at(a, lda, k + jb, j0), &lda, 1, 1);
 }
 
+// The interchanges of panels first .. last-1 applied to the columns of panel p (exact: any order of these
+// calls that keeps the panels' order gives the same matrix).
+void swap_left(const Pieces& g, int64_t p, int64_t first, int64_t last, double* a, int64_t lda,
+               const int64_t* ipiv) {
+  const int64_t nc = g.panel_end(p) - g.panel_begin(p), k1 = g.panel_begin(first) + 1, k2 = g.panel_end(last - 1);
+  vekob_dlaswp_(&nc, at(a, lda, 0, g.panel_begin(p)), &lda, &k1, &k2, ipiv, &kOne);
+}
+
+// The shared state of one factorisation: what is done, what is claimed, and the choice of the next piece.
+class Graph {
+ public:
+  Graph(const Pieces& g, double* a, int64_t lda, int64_t* ipiv)
+      : g_(g), a_(a), lda_(lda), ipiv_(ipiv), applied_(static_cast<size_t>(g.units), 0),
+        unit_busy_(static_cast<size_t>(g.units), false), pending_(static_cast<size_t>(g.panels), 0),
+        swapped_(static_cast<size_t>(g.panels)), swap_busy_(static_cast<size_t>(g.panels), false) {
+    for (int64_t u = 0; u < g.units; ++u) {
+      updates_left_ += g.needs[static_cast<size_t>(u)];
+      for (int64_t s = 0; s < g.needs[static_cast<size_t>(u)]; ++s) ++pending_[static_cast<size_t>(s)];
+    }
+    for (int64_t p = 0; p < g.panels; ++p) swapped_[static_cast<size_t>(p)] = p + 1;
+  }
+
+  // Runs pieces until the factorisation is complete.
+  void work() {
+    std::unique_lock<std::mutex> lock(mutex_);
+    for (;;) {
+      const Piece piece = claim();
+      if (piece.kind == Kind::kNone) {
+        if (done()) return;
+        ready_.wait(lock);
+        continue;
+      }
+      lock.unlock();
+      int64_t info = 0;
+      if (piece.kind == Kind::kFactor) info = factor_panel(g_, piece.a, a_, lda_, ipiv_);
+      else if (piece.kind == Kind::kUpdate) update_unit(g_, piece.a, piece.b, a_, lda_, ipiv_);
+      else swap_left(g_, piece.a, piece.b, piece.c, a_, lda_, ipiv_);
+      lock.lock();
+      finish(piece, info);
+      ready_.notify_all();
+    }
+  }
+
+  int64_t info() const { return info_; }
+
+ private:
+  enum class Kind { kNone, kFactor, kUpdate, kSwap };
+  // kFactor: panel a; kUpdate: step a on unit b; kSwap: panels b .. c-1 onto the columns of panel a.
+  struct Piece {
+    Kind kind = Kind::kNone;
+    int64_t a = 0, b = 0, c = 0;
+  };
+
+  size_t at_(int64_t i) const { return static_cast<size_t>(i); }
+
+  Piece claim() {
+    if (factored_ < g_.panels && !factoring_) {
+      const int64_t u = g_.unit_of(factored_);
+      if (!unit_busy_[at_(u)] && applied_[at_(u)] >= factored_) {
+        factoring_ = true;
+        unit_busy_[at_(u)] = true;
+        return {Kind::kFactor, factored_};
+      }
+    }
+    for (int64_t u = 0; u < g_.units; ++u) {
+      const int64_t s = applied_[at_(u)];
+      if (!unit_busy_[at_(u)] && s < g_.needs[at_(u)] && s < factored_) {
+        unit_busy_[at_(u)] = true;
+        return {Kind::kUpdate, s, u};
+      }
+    }
+    for (int64_t p = 0; p < g_.panels; ++p) {
+      const int64_t from = swapped_[at_(p)];
+      if (!swap_busy_[at_(p)] && pending_[at_(p)] == 0 && from < factored_) {
+        swap_busy_[at_(p)] = true;
+        swapped_[at_(p)] = factored_;
+        return {Kind::kSwap, p, from, factored_};
+      }
+    }
+    return {};
+  }
+
+  void finish(const Piece& piece, int64_t info) {
+    if (piece.kind == Kind::kFactor) {
+      if (info_ == 0) info_ = info;
+      ++factored_;
+      factoring_ = false;
+      unit_busy_[at_(g_.unit_of(piece.a))] = false;
+    } else if (piece.kind == Kind::kUpdate) {
+      ++applied_[at_(piece.b)];
+      --pending_[at_(piece.a)];
+      --updates_left_;
+      unit_busy_[at_(piece.b)] = false;
+    } else {
+      swap_busy_[at_(piece.a)] = false;
+    }
+  }
+
+  bool done() const {
+    if (factored_ < g_.panels || updates_left_ > 0) return false;
+    for (int64_t p = 0; p < g_.panels; ++p)
+      if (swapped_[at_(p)] < g_.panels || swap_busy_[at_(p)]) return false;
+    return true;
+  }
+
+  const Pieces& g_;
+  double* a_;
+  int64_t lda_;
+  int64_t* ipiv_;
+  std::mutex mutex_;
+  std::condition_variable ready_;
+  std::vector<int64_t> applied_;   // steps applied to each unit
+  std::vector<bool> unit_busy_;    // a unit being updated, or holding the panel being factorised
+  std::vector<int64_t> pending_;   // units still waiting for each step
+  std::vector<int64_t> swapped_;   // panels whose interchanges each panel's columns have received
+  std::vector<bool> swap_busy_;
+  int64_t factored_ = 0, updates_left_ = 0, info_ = 0;
+  bool factoring_ = false;
+};
+
 }  // namespace
 
 int64_t lu_factor(int64_t m, int64_t n, double* a, int64_t lda, int64_t* ipiv) {
-  const int64_t mn = std::min(m, n);
-  if (mn == 0) return 0;
-  const int team = threads::in_parallel() ? 1 : static_cast<int>(std::max<int64_t>(threads::max_threads(), 1));
-  int64_t info = 0;
-  // The first panel on a team of one whose own thread limit is 1, which OpenBLAS reads as its serial path.
-#pragma omp parallel num_threads(1)
-  {
-    omp_set_num_threads(1);
-    info = factor_panel(m, 0, std::min(kPanel, mn), a, lda, ipiv);
+  if (std::min(m, n) == 0) return 0;
+  const Pieces pieces(m, n);
+  Graph graph(pieces, a, lda, ipiv);
+  const int64_t work = pieces.panels + static_cast<int64_t>(pieces.needs.size());
+  const int team = threads::in_parallel() || work <= 2
+                       ? 1
+                       : static_cast<int>(std::clamp<int64_t>(threads::max_threads(), 1, work));
+  if (team == 1) {
+    graph.work();
+  } else {
+#pragma omp parallel num_threads(team)
+    graph.work();
   }
-  for (int64_t k = 0; k < mn; k += kPanel) {
-    const int64_t jb = std::min(kPanel, mn - k), next = k + jb;
-    // Look-ahead: item 0 updates the next panel's columns and factorises that panel while the other items
-    // update the rest. Every call inside the region runs serially in OpenBLAS (the region is always entered,
-    // so with a team of more than one omp_in_parallel() holds, and a team of one has a thread limit of one).
-    const int64_t lead = next < mn ? std::min(kPanel, mn - next) : 0, rest = next + lead;
-    const int64_t items = (lead > 0 ? 1 : 0) + (n - rest + kChunk - 1) / kChunk;
-    int64_t next_info = 0;
-#pragma omp parallel for schedule(dynamic, 1) num_threads(team)
-    for (int64_t item = 0; item < items; ++item) {
-      if (lead > 0 && item == 0) {
-        update_chunk(m, k, jb, next, lead, a, lda, ipiv);
-        next_info = factor_panel(m, next, lead, a, lda, ipiv);
-      } else {
-        const int64_t j0 = rest + (item - (lead > 0 ? 1 : 0)) * kChunk;
-        update_chunk(m, k, jb, j0, std::min(kChunk, n - j0), a, lda, ipiv);
-      }
-    }
-    if (info == 0) info = next_info;
-    if (lead > 0) {  // the next panel's interchanges on the columns to its left
-      const int64_t k1 = next + 1, k2 = next + lead;
-      vekob_dlaswp_(&next, a, &lda, &k1, &k2, ipiv, &kOne);
-    }
-  }
-  return info;
+  return graph.info();
 }
 
 }  // namespace vek::linalg
@@ -116,6 +236,10 @@ void f07adfn_(const int64_t* m, const int64_t* n, double* a, const int64_t* lda,
     return;
   }
   *info = vek::linalg::lu_factor(*m, *n, a, *lda, ipiv);
+}
+
+void vektl_dgetrf_(const int64_t* m, const int64_t* n, double* a, const int64_t* lda, int64_t* ipiv, int64_t* info) {
+  f07adfn_(m, n, a, lda, ipiv, info);
 }
 
 }  // extern "C"

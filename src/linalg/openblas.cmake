@@ -22,11 +22,30 @@ foreach(target HASWELL SKYLAKEX COOPERLAKE ZEN)
   endforeach()
 endforeach()
 set(VEK_OPENBLAS_RENAMED ${PROJECT_BINARY_DIR}/linalg/libvekob.a)
+# OpenBLAS asks the OpenMP runtime for its team: the library answers 1 (dependency_threads.cpp), so that the
+# dependency always runs on the calling thread and its rounding never depends on the thread count. The
+# level-3 calls inside its LAPACK go to the library's tiled routines (level3_tiled.cpp), which share the
+# tiles among the library's threads.
+set(VEK_TILED_CALLS)
+foreach(p s d c z)
+  foreach(op gemm symm syrk syr2k trmm trsm)
+    list(APPEND VEK_TILED_CALLS --calls ${p}${op}_)
+  endforeach()
+endforeach()
+foreach(p c z)
+  foreach(op hemm herk her2k)
+    list(APPEND VEK_TILED_CALLS --calls ${p}${op}_)
+  endforeach()
+endforeach()
+# Its LAPACK's calls of dgetrf and dpotrf go to the library's blocked factorisations (f07adf, f07fdf).
+list(APPEND VEK_TILED_CALLS --calls dgetrf_ --calls dpotrf_)
 add_custom_command(
   OUTPUT ${VEK_OPENBLAS_RENAMED}
   COMMAND ${CMAKE_COMMAND} -E make_directory ${PROJECT_BINARY_DIR}/linalg
   COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_LIST_DIR}/rename_archive.py --nm ${CMAKE_NM}
           --objcopy ${CMAKE_OBJCOPY} --ar ${CMAKE_AR} --prefix vekob_ --drop xerbla.o
+          --redirect omp_get_max_threads=vek_dependency_max_threads
+          --redirect omp_set_num_threads=vek_dependency_set_threads --call-prefix vektl_ ${VEK_TILED_CALLS}
           --own zhemv_ ${VEK_OPENBLAS_KERNEL_ROUTES}
           ${VEK_OPENBLAS64_ARCHIVE} ${VEK_OPENBLAS_RENAMED}
   DEPENDS ${CMAKE_CURRENT_LIST_DIR}/rename_archive.py ${VEK_OPENBLAS64_ARCHIVE}
@@ -39,4 +58,6 @@ add_dependencies(vek_static vek_openblas)
 
 target_link_libraries(vek_objects PUBLIC ${VEK_OPENBLAS_RENAMED} ${VEK_GFORTRAN_LIBRARY} OpenMP::OpenMP_CXX m)
 # In a static link the archive's calls of its error hook must find the library's (src/linalg/argument_error.cpp).
-target_link_options(vek_static INTERFACE LINKER:--undefined=vekob_xerbla_)
+# So must its thread queries (src/linalg/dependency_threads.cpp).
+target_link_options(vek_static INTERFACE LINKER:--undefined=vekob_xerbla_
+                    LINKER:--undefined=vek_dependency_max_threads LINKER:--undefined=vek_dependency_set_threads)

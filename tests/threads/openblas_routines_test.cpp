@@ -1,11 +1,9 @@
-// Routines whose bodies are OpenBLAS's, which starts its own OpenMP teams (the library links the OpenMP
-// build of OpenBLAS): the matrix product (f06yaf), the Cholesky factorisation (f07fdf) and the LU solve
-// (f07aef), with the LU factors of f07adf.
+// Routines built on OpenBLAS (the library links the OpenMP build of OpenBLAS and keeps it on the calling
+// thread): the matrix product (f06yaf, tiled by the library), the Cholesky factorisation (f07fdf, blocked by
+// the library over the tiled routines) and the LU solve (f07aef, OpenBLAS's), with the LU factors of f07adf.
 #include <gtest/gtest.h>
 #include <omp.h>
 
-#include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <random>
@@ -68,35 +66,18 @@ Results compute(unsigned seed) {
   return r;
 }
 
-// Largest difference between corresponding elements relative to the largest element of the reference.
-double relative_difference(const std::vector<double>& x, const std::vector<double>& reference) {
-  double diff = 0, size = 0;
-  for (size_t i = 0; i < x.size(); ++i) {
-    diff = std::max(diff, std::fabs(x[i] - reference[i]));
-    size = std::max(size, std::fabs(reference[i]));
-  }
-  return diff / size;
-}
-
 using OpenBlasRoutines = TeamTest;
 
-// OpenBLAS cuts its work by the team size, and the cut changes the order of some sums: the results agree to
-// rounding, not bit for bit (the library's own f07adf does not depend on the team: see the LU tests).
-TEST_F(OpenBlasRoutines, TeamSizeChangesOnlyTheRounding) {
+// OpenBLAS runs on the calling thread only; the library shares its tiles (the product) or panels (the LU)
+// among the team, cut the same way for every team: the results are bit for bit those of one thread.
+TEST_F(OpenBlasRoutines, TeamSizeDoesNotChangeTheResults) {
   set_threads(1);
   const Results serial = compute(7);
   EXPECT_EQ(serial.cholesky_info, 0);
   EXPECT_EQ(serial.solve_info, 0);
   for (int64_t team : kTeams) {
     set_threads(team);
-    const Results r = compute(7);
-    EXPECT_LT(relative_difference(r.product, serial.product), 1e-14) << team << " threads";
-    EXPECT_LT(relative_difference(r.cholesky, serial.cholesky), 1e-14) << team << " threads";
-    EXPECT_LT(relative_difference(r.solution, serial.solution), 1e-10) << team << " threads";
-    EXPECT_EQ(r.cholesky_info, 0);
-    EXPECT_EQ(r.solve_info, 0);
-    // For one team size the results are reproducible.
-    EXPECT_EQ(differing(compute(7), r), "") << team << " threads, repeated";
+    EXPECT_EQ(differing(compute(7), serial), "") << team << " threads";
   }
 }
 
