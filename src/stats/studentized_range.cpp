@@ -48,8 +48,13 @@ double normal_range(double w, int k, bool lower) {
   if (lower) {
     // A^(k-1) narrows like 1/sqrt(k) about its peak: pieces to match.
     const int pieces = static_cast<int>(2.0 * kReach * std::ceil(std::sqrt(k / 9.0)));
-    return k * gauss_pieces([&](double z) { return phi(z) * std::pow(normal_interval(z - w, z), m); }, -kReach, kReach,
-                            pieces);
+    // A^(k-1) through the two tails outside [z - w, z] when they are small, so that A near 1 keeps its
+    // relative accuracy through the power.
+    const auto integrand = [&](double z) {
+      const double outside = normal_upper(z) + normal_upper(w - z);
+      return phi(z) * (outside < 0.5 ? std::exp(m * std::log1p(-outside)) : std::pow(normal_interval(z - w, z), m));
+    };
+    return k * gauss_pieces(integrand, -kReach, kReach, pieces);
   }
   const auto integrand = [&](double z) {
     const double below = normal_upper(-z), ratio = normal_upper(w - z) / below;
@@ -58,12 +63,27 @@ double normal_range(double w, int k, bool lower) {
   return k * gauss_pieces(integrand, -kReach, w + kReach, static_cast<int>(std::ceil(w + 2.0 * kReach)));
 }
 
-// ln of the density of t = ln S: nu ln s - nu s^2 / 2 plus the constant (nu/2) ln(nu/2) + ln 2 - lgamma(nu/2).
+// e^x - 1 - x without cancellation for small x.
+double expm1_minus_x(double x) {
+  if (std::fabs(x) >= 0.5) return std::expm1(x) - x;
+  double term = 0.5 * x * x, sum = term;
+  for (int n = 3; std::fabs(term) > 1e-17 * std::fabs(sum); ++n) sum += term *= x / n;
+  return sum;
+}
+
+// x ln x - x - lgamma(x), from x = 10 as (1/2) ln(x / 2pi) less Stirling's remainder, so that large x does
+// not cancel.
+double log_gamma_normaliser(double x) {
+  if (x < 10.0) return x * std::log(x) - x - specfun::lgamma(x);
+  return 0.5 * std::log(x / (2.0 * std::numbers::pi)) - specfun::stirling_remainder(x);
+}
+
+// ln of the density of t = ln S: ln 2 + (nu/2) ln(nu/2) - lgamma(nu/2) + nu t - nu e^(2t) / 2, written as
+// ln 2 + (that normaliser at nu/2) - (nu/2)(e^(2t) - 1 - 2t), exact in the peak for any nu.
 struct LogDensity {
   double nu, constant;
-  explicit LogDensity(double v)
-      : nu(v), constant(0.5 * v * std::log(0.5 * v) + std::numbers::ln2 - specfun::lgamma(0.5 * v)) {}
-  double operator()(double t) const { return constant + nu * (t - 0.5 * std::expm1(2.0 * t)) - 0.5 * nu; }
+  explicit LogDensity(double v) : nu(v), constant(std::numbers::ln2 + log_gamma_normaliser(0.5 * v)) {}
+  double operator()(double t) const { return constant - 0.5 * nu * expm1_minus_x(2.0 * t); }
 };
 
 }  // namespace
@@ -78,10 +98,11 @@ RangeTails studentized_range(double q, double nu, int k) {
     const auto log_integrand = [&](double t) {
       return log_density(t) + std::log(normal_range(q * std::exp(t), k, lower));
     };
+    const double h = std::fmin(1.0, 1.0 / std::sqrt(nu));
     double a = -40.0, b = 5.0;
     const double g = 0.5 * (std::sqrt(5.0) - 1.0);
     double c = b - g * (b - a), d = a + g * (b - a), fc = log_integrand(c), fd = log_integrand(d);
-    while (b - a > 1e-3) {
+    while (b - a > 0.1 * h) {
       if (fc < fd || std::isinf(fc)) {
         a = c;
         c = d;
@@ -96,7 +117,7 @@ RangeTails studentized_range(double q, double nu, int k) {
         fc = log_integrand(c);
       }
     }
-    const double peak = 0.5 * (a + b), h = std::fmin(1.0, 1.0 / std::sqrt(nu));
+    const double peak = 0.5 * (a + b);
     const auto f = [&](double t) {
       return std::exp(log_density(t)) * normal_range(q * std::exp(t), k, lower);
     };

@@ -4,31 +4,17 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "stats/data_table.h"
 #include "support/report.h"
 #include "vek.h"
 
 namespace {
 
+using vek::testing::data_table;
 using vek::testing::expect_report;
-
-std::vector<std::vector<double>> rows_of(const std::string& name) {
-  std::ifstream in(std::string(VEK_TEST_DATA_DIR) + "/" + name);
-  std::vector<std::vector<double>> rows;
-  for (std::string line; std::getline(in, line);) {
-    if (line.empty() || line[0] == '#') continue;
-    std::istringstream fields(line);
-    std::vector<double> row;
-    for (std::string f; fields >> f;) row.push_back(std::strtod(f.c_str(), nullptr));
-    rows.push_back(row);
-  }
-  return rows;
-}
 
 double chi2(char tail, double x, double df, double lambda) {
   int64_t ifail = 1;
@@ -69,7 +55,7 @@ struct Worst {
 };
 
 TEST(Noncentral, ChiSquareBothTailsAgainstReference) {
-  const auto rows = rows_of("noncentral_chi2.txt");
+  const auto rows = data_table("noncentral_chi2.txt");
   ASSERT_GT(rows.size(), 150U);
   Worst worst{"chi-square"};
   for (const auto& r : rows) {
@@ -83,7 +69,7 @@ TEST(Noncentral, ChiSquareBothTailsAgainstReference) {
 }
 
 TEST(Noncentral, FBothTailsAgainstReference) {
-  const auto rows = rows_of("noncentral_f.txt");
+  const auto rows = data_table("noncentral_f.txt");
   ASSERT_GT(rows.size(), 110U);
   Worst worst{"F"};
   for (const auto& r : rows) {
@@ -97,7 +83,7 @@ TEST(Noncentral, FBothTailsAgainstReference) {
 }
 
 TEST(Noncentral, TBothTailsAgainstReference) {
-  const auto rows = rows_of("noncentral_t.txt");
+  const auto rows = data_table("noncentral_t.txt");
   ASSERT_GT(rows.size(), 130U);
   Worst worst{"t"};
   for (const auto& r : rows) {

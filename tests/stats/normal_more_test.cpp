@@ -4,31 +4,17 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "stats/data_table.h"
 #include "support/report.h"
 #include "vek.h"
 
 namespace {
 
+using vek::testing::data_table;
 using vek::testing::expect_report;
-
-std::vector<std::vector<double>> rows_of(const std::string& name) {
-  std::ifstream in(std::string(VEK_TEST_DATA_DIR) + "/" + name);
-  std::vector<std::vector<double>> rows;
-  for (std::string line; std::getline(in, line);) {
-    if (line.empty() || line[0] == '#') continue;
-    std::istringstream fields(line);
-    std::vector<double> row;
-    for (std::string f; fields >> f;) row.push_back(std::strtod(f.c_str(), nullptr));
-    rows.push_back(row);
-  }
-  return rows;
-}
 
 double interval(double a, double b) {
   int64_t ifail = 1;
@@ -45,7 +31,7 @@ double bivariate(char tail, double x, double y, double rho) {
 }
 
 TEST(NormalMore, IntervalAgainstReference) {
-  const auto rows = rows_of("interval.txt");
+  const auto rows = data_table("interval.txt");
   ASSERT_GT(rows.size(), 170U);
   double worst = 0;
   for (const auto& r : rows) {
@@ -69,7 +55,7 @@ TEST(NormalMore, IntervalAgainstReference) {
 }
 
 TEST(NormalMore, BivariateAgainstReference) {
-  const auto rows = rows_of("bivariate.txt");
+  const auto rows = data_table("bivariate.txt");
   ASSERT_GT(rows.size(), 280U);
   double worst_abs = 0, worst_rel = 0;
   for (const auto& r : rows) {
