@@ -3,21 +3,11 @@
 #include <cmath>
 #include <limits>
 
+#include "stats/compensated_sum.h"
+
 namespace vek::stats {
-namespace {
 
-// Neumaier's compensated sum.
-struct Sum {
-  double s = 0.0, c = 0.0;
-  void add(double v) {
-    const double t = s + v;
-    c += std::fabs(s) >= std::fabs(v) ? (s - t) + v : (v - t) + s;
-    s = t;
-  }
-  double value() const { return s + c; }
-};
-
-}  // namespace
+using Sum = CompensatedSum;
 
 Moments moments(std::span<const double> x, std::span<const double> weights) {
   const bool weighted = !weights.empty();

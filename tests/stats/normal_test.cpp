@@ -3,32 +3,18 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "stats/data_table.h"
 #include "support/report.h"
 #include "vek.h"
 
 namespace {
 
+using vek::testing::data_table;
 using vek::testing::console_lines;
 using vek::testing::soft_report;
-
-std::vector<std::vector<double>> table(const std::string& name) {
-  std::ifstream in(std::string(VEK_TEST_DATA_DIR) + "/" + name);
-  std::vector<std::vector<double>> rows;
-  for (std::string line; std::getline(in, line);) {
-    if (line.empty() || line[0] == '#') continue;
-    std::istringstream fields(line);
-    std::vector<double> row;
-    for (std::string f; fields >> f;) row.push_back(std::strtod(f.c_str(), nullptr));  // keeps subnormals
-    rows.push_back(row);
-  }
-  return rows;
-}
 
 double probability(char tail, double x) {
   int64_t ifail = 1;
@@ -47,7 +33,7 @@ double deviate(char tail, double p) {
 constexpr double kUlp = 0x1p-52;
 
 TEST(Normal, ProbabilitiesAgainstReference) {
-  const auto rows = table("normal.txt");
+  const auto rows = data_table("normal.txt");
   ASSERT_GT(rows.size(), 250U);
   const char tails[] = {'L', 'U', 'C', 'S'};
   for (const auto& r : rows) {
@@ -70,7 +56,7 @@ TEST(Normal, ProbabilitiesAgainstReference) {
 }
 
 TEST(Normal, DeviatesAgainstReferenceAndTheFourTails) {
-  const auto rows = table("normal_inverse.txt");
+  const auto rows = data_table("normal_inverse.txt");
   ASSERT_GT(rows.size(), 250U);
   for (const auto& r : rows) {
     const double p = r[0], want = r[1];

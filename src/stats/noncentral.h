@@ -1,0 +1,21 @@
+// The non-central chi-square, F and t distributions as Poisson mixtures of central ones, summed outward from
+// the largest Poisson weight so that each tail is a sum of positive terms (the t's upper tail for t and
+// delta of opposite signs excepted: there the series alternates in sign and the result is absolute).
+#pragma once
+
+namespace vek::stats {
+
+struct TailPair {
+  double lower, upper;  // P(X <= x) and P(X >= x), each computed directly
+};
+
+// Chi-square with df > 0 degrees of freedom and non-centrality lambda >= 0, at x >= 0.
+TailPair noncentral_chi_square(double x, double df, double lambda);
+
+// F with df1, df2 > 0 degrees of freedom and non-centrality lambda >= 0 (of the numerator), at f >= 0.
+TailPair noncentral_f(double f, double df1, double df2, double lambda);
+
+// Student's t with df > 0 degrees of freedom and non-centrality delta, at t.
+TailPair noncentral_t(double t, double df, double delta);
+
+}  // namespace vek::stats

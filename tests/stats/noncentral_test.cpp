@@ -1,0 +1,138 @@
+// G01GBF, G01GCF and G01GDF against mpmath tables (both tails), their limits and every message.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "stats/data_table.h"
+#include "support/report.h"
+#include "vek.h"
+
+namespace {
+
+using vek::testing::data_table;
+using vek::testing::expect_report;
+
+double chi2(char tail, double x, double df, double lambda) {
+  int64_t ifail = 1;
+  const double p = g01gcf_(&tail, &x, &df, &lambda, &ifail, 1);
+  EXPECT_EQ(ifail, 0);
+  return p;
+}
+
+double ncf(char tail, double f, double df1, double df2, double lambda) {
+  int64_t ifail = 1;
+  const double p = g01gdf_(&tail, &f, &df1, &df2, &lambda, &ifail, 1);
+  EXPECT_EQ(ifail, 0);
+  return p;
+}
+
+double nct(char tail, double t, double df, double delta) {
+  int64_t ifail = 1;
+  const double p = g01gbf_(&tail, &t, &df, &delta, &ifail, 1);
+  EXPECT_EQ(ifail, 0);
+  return p;
+}
+
+// Relative error against the reference, with an absolute floor for the tails tabled as absolute.
+struct Worst {
+  const char* name;
+  double rel = 0, abs = 0;
+  void check(double got, double want, double rel_tol, bool relative, const std::string& where) {
+    const double e = std::fabs(got - want);
+    if (relative && want > 1e-300) {
+      rel = std::max(rel, e / want);
+      EXPECT_LE(e, rel_tol * want) << name << " " << where << " got " << got << " want " << want;
+    } else {
+      abs = std::max(abs, e);
+      EXPECT_LE(e, 4e-16) << name << " " << where << " got " << got << " want " << want;
+    }
+  }
+  ~Worst() { std::printf("%s: worst relative error %.2g, worst absolute (where only absolute) %.2g\n", name, rel, abs); }
+};
+
+TEST(Noncentral, ChiSquareBothTailsAgainstReference) {
+  const auto rows = data_table("noncentral_chi2.txt");
+  ASSERT_GT(rows.size(), 150U);
+  Worst worst{"chi-square"};
+  for (const auto& r : rows) {
+    const std::string at = std::to_string(r[0]) + " " + std::to_string(r[1]) + " " + std::to_string(r[2]);
+    worst.check(chi2('L', r[0], r[1], r[2]), r[3], 1e-13, true, at + " L");
+    worst.check(chi2('u', r[0], r[1], r[2]), r[4], 1e-13, true, at + " U");
+  }
+  EXPECT_EQ(chi2('L', INFINITY, 3.0, 2.0), 1.0);
+  EXPECT_EQ(chi2('U', INFINITY, 3.0, 2.0), 0.0);
+  EXPECT_EQ(chi2('L', 0.0, 3.0, 2.0), 0.0);
+}
+
+TEST(Noncentral, FBothTailsAgainstReference) {
+  const auto rows = data_table("noncentral_f.txt");
+  ASSERT_GT(rows.size(), 110U);
+  Worst worst{"F"};
+  for (const auto& r : rows) {
+    const std::string at = std::to_string(r[0]) + " " + std::to_string(r[1]) + " " + std::to_string(r[2]) + " " +
+                           std::to_string(r[3]);
+    worst.check(ncf('l', r[0], r[1], r[2], r[3]), r[4], 1e-13, true, at + " L");
+    worst.check(ncf('U', r[0], r[1], r[2], r[3]), r[5], 1e-13, true, at + " U");
+  }
+  EXPECT_EQ(ncf('L', INFINITY, 3.0, 4.0, 2.0), 1.0);
+  EXPECT_EQ(ncf('U', INFINITY, 3.0, 4.0, 2.0), 0.0);
+}
+
+TEST(Noncentral, TBothTailsAgainstReference) {
+  const auto rows = data_table("noncentral_t.txt");
+  ASSERT_GT(rows.size(), 130U);
+  Worst worst{"t"};
+  for (const auto& r : rows) {
+    const double t = r[0], df = r[1], delta = r[2];
+    const std::string at = std::to_string(t) + " " + std::to_string(df) + " " + std::to_string(delta);
+    // The tail on the far side from delta (t >= 0 > delta upper, t < 0 < delta lower) alternates: absolute.
+    worst.check(nct('L', t, df, delta), r[3], 1e-13, !(t < 0 && delta > 0), at + " L");
+    worst.check(nct('U', t, df, delta), r[4], 1e-13, !(t >= 0 && delta < 0), at + " U");
+  }
+  EXPECT_EQ(nct('L', INFINITY, 3.0, 2.0), 1.0);
+  EXPECT_EQ(nct('U', -INFINITY, 3.0, 2.0), 1.0);
+  EXPECT_TRUE(std::isnan(nct('L', NAN, 3.0, 2.0)));
+}
+
+TEST(Noncentral, Messages) {
+  char tail = 'C';
+  double x = 1.0, df = 2.0, lam = 3.0, df2 = 4.0;
+  const auto chi = [&](int64_t* f) { g01gcf_(&tail, &x, &df, &lam, f, 1); };
+  const auto fd = [&](int64_t* f) { g01gdf_(&tail, &x, &df, &df2, &lam, f, 1); };
+  const auto td = [&](int64_t* f) { g01gbf_(&tail, &x, &df, &lam, f, 1); };
+  const char* invalid = " ** On entry, TAIL is not valid: TAIL = 'C'";
+  expect_report(chi, 1, {invalid}, "G01GCF");
+  expect_report(fd, 1, {invalid}, "G01GDF");
+  expect_report(td, 1, {invalid}, "G01GBF");
+  tail = 'U';
+  x = -0.5;
+  expect_report(chi, 2, {" ** On entry, X = -0.5.", " ** Constraint: X >= 0.0."}, "G01GCF");
+  expect_report(fd, 2, {" ** On entry, F = -0.5.", " ** Constraint: F >= 0.0."}, "G01GDF");
+  x = 1.0;
+  for (const double bad : {0.0, 2e6}) {
+    df = bad;
+    const std::string v = bad == 0.0 ? "0" : "2e+06";
+    expect_report(chi, 3, {" ** On entry, DF = " + v + ".", " ** Constraint: 0.0 < DF <= 1.0e6."}, "G01GCF");
+    expect_report(fd, 3, {" ** On entry, DF1 = " + v + ".", " ** Constraint: 0.0 < DF1 <= 1.0e6."}, "G01GDF");
+    expect_report(td, 2, {" ** On entry, DF = " + v + ".", " ** Constraint: 0.0 < DF <= 1.0e6."}, "G01GBF");
+    df = 2.0;
+    df2 = bad;
+    expect_report(fd, 3, {" ** On entry, DF2 = " + v + ".", " ** Constraint: 0.0 < DF2 <= 1.0e6."}, "G01GDF");
+    df2 = 4.0;
+  }
+  lam = -1.0;
+  expect_report(chi, 3, {" ** On entry, RLAMDA = -1.", " ** Constraint: 0.0 <= RLAMDA <= 1.0e6."}, "G01GCF");
+  expect_report(fd, 3, {" ** On entry, RLAMDA = -1.", " ** Constraint: 0.0 <= RLAMDA <= 1.0e6."}, "G01GDF");
+  lam = -1500.0;
+  expect_report(td, 3, {" ** On entry, DELTA = -1500.", " ** Constraint: abs(DELTA) <= 1000.0."}, "G01GBF");
+  // Checks in declared order: X before DF before RLAMDA; a NaN fails its check.
+  x = NAN;
+  df = -1.0;
+  expect_report(chi, 2, {" ** On entry, X = NaN.", " ** Constraint: X >= 0.0."}, "G01GCF");
+}
+
+}  // namespace
