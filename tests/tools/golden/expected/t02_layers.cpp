@@ -12,6 +12,7 @@
 #include "frame/entry.h"
 #include "frame/text.h"
 #include "frame/trace.h"
+#include "linalg/guards.h"
 
 namespace {
 constexpr vek::frame::Message t02aaf_messages[] = {
@@ -30,6 +31,10 @@ int64_t t02caf_select_trampoline(const double* wr, const double* wi) {
 }  // namespace
 extern "C" {
 void t02cafn_(const char* job, vek_t02caf_select_adapter select_adapter, vek_t02caf_select_fn select, const int64_t* n, double* w, int64_t job_len) {
+  if (const int64_t empty = job_len < 1 ? 1 : 0; empty != 0) [[unlikely]] {
+    vek::linalg::guard::report("TSORT", empty);
+    return;
+  }
   const struct select_restore {
     decltype(t02caf_select_bound) saved;
     ~select_restore() { t02caf_select_bound = saved; }
