@@ -325,8 +325,16 @@ GUARDS["dggsvd3"] = "generalized_svd @{name} M N P A LDA B LDB ALPHA BETA &WORK 
 GUARDS["zggsvd3"] = GUARDS["dggsvd3"]
 GUARDS["dggsvp3"] = "least_workspace @{name} N &WORK &LWORK &INFO 24"
 GUARDS["zggsvp3"] = "least_workspace @{name} N &WORK &LWORK &INFO 25"
-# dlaset, zlaset: nothing published is checked; LDA = 0 with M = 0 and a huge N ran the column loop on.
+# dlaset, zlaset, dlacpy, zlacpy: nothing published is checked; LDA = 0 with M = 0 and a huge N ran the
+# column loop on, a leading dimension below M sent the copy past the caller's array.
 GUARDS["laset"] = "require @{name} none M>=0 N>=0 LDA>=max(1,M)"
+GUARDS["lacpy"] = "require @{name} none M>=0 N>=0 LDA>=max(1,M) LDB>=max(1,M)"
+# Band LU: the published check LDAB >= 2*KL+KU+1 overflows for KL near 2^63; made here in 128 bits.
+GUARDS["gbtrf"] = "require @{name} info M>=0 N>=0 KL>=0 KU>=0 LDAB>=2*KL+KU+1"
+GUARDS["gbsv"] = "require @{name} info N>=0 KL>=0 KU>=0 NRHS>=0 LDAB>=2*KL+KU+1 LDB>=max(1,N)"
+# Inverse iteration: the dependency indexes ISPLIT with IBLOCK and D, E with ISPLIT, unchecked.
+GUARDS["stein"] = ("require @{name} info N>=0 M>=0 M<=N LDZ>=max(1,N) blocks_ok(IBLOCK,M,N) "
+                   "splits_ok(ISPLIT,IBLOCK,M,N)")
 
 
 def guard_line(published: str) -> str | None:

@@ -247,6 +247,20 @@ bool tridiagonal_pivots_ok(const int64_t* ipiv, int64_t n) {
   return true;
 }
 
+bool blocks_ok(const int64_t* iblock, int64_t m, int64_t n) {
+  for (int64_t j = 0; j < m; ++j)
+    if (iblock[j] < 1 || iblock[j] > n) return false;
+  return true;
+}
+
+bool splits_ok(const int64_t* isplit, const int64_t* iblock, int64_t m, int64_t n) {
+  int64_t blocks = 0;
+  for (int64_t j = 0; j < m; ++j) blocks = std::max(blocks, iblock[j]);
+  for (int64_t b = 0, last = 0; b < blocks; last = isplit[b++])
+    if (isplit[b] <= last || isplit[b] > n) return false;
+  return true;
+}
+
 bool symmetric_pivots_ok(const int64_t* ipiv, int64_t n, char uplo) {
   // Walked in the order of the factorisation (from N down for 'U', from 1 up for 'L'); a 2 x 2 block takes
   // the element and its neighbour in that direction, which must exist and hold the same value.

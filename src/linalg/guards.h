@@ -100,6 +100,12 @@ bool pivots_ok(const int64_t* ipiv, int64_t n);
 bool tridiagonal_pivots_ok(const int64_t* ipiv, int64_t n);
 bool symmetric_pivots_ok(const int64_t* ipiv, int64_t n, char uplo);
 
+// The blocks of a split tridiagonal matrix handed to inverse iteration (?stein): IBLOCK(1..M) names blocks
+// 1..N, and ISPLIT(1..IBLOCK(M)), the last row of each block, rises strictly within 1..N. (M <= N is
+// checked before; the published check of IBLOCK's order comes after, in the dependency.)
+bool blocks_ok(const int64_t* iblock, int64_t m, int64_t n);
+bool splits_ok(const int64_t* isplit, const int64_t* iblock, int64_t m, int64_t n);
+
 // Dot products with a negative increment (complex ones with any increment but 1): the library's own loop, in
 // the published order of elements.
 double dot_strided(int64_t n, const double* x, int64_t incx, const double* y, int64_t incy);

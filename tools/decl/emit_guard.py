@@ -15,7 +15,7 @@
 Arguments of a named guard: a scalar argument by value, an array by its address, &INFO a scalar's address
 (the forwarding call sees what the guard writes there), @zgemv the published name (for the argument-error report), =NTC a string.
 Expressions are C-like over the scalar arguments, with min() and max(), and the pivot predicates of guards.h
-(pivots_ok(IPIV,N) ...); a condition is reported with the position of the first argument it names.
+(pivots_ok(IPIV,N), blocks_ok(IBLOCK,M,N) ...); a condition is reported with the position of the first argument it names.
 """
 from __future__ import annotations
 
@@ -25,8 +25,9 @@ from .model import Routine
 
 NS = "vek::linalg::guard::"
 QUERY_ARGS = ("LWORK", "LRWORK", "LIWORK")
-# Conditions of 'guard require' that read an array (guards.h): the pivots of a factorisation.
-PREDICATES = ("pivots_ok", "tridiagonal_pivots_ok", "symmetric_pivots_ok")
+# Conditions of 'guard require' that read an array (guards.h): the pivots of a factorisation, the blocks of a
+# split tridiagonal matrix.
+PREDICATES = ("pivots_ok", "tridiagonal_pivots_ok", "symmetric_pivots_ok", "blocks_ok", "splits_ok")
 
 
 def expression(r: Routine, text: str, wide: bool = False) -> str:
