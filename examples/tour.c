@@ -9,5 +9,6 @@ int main(void) {
   tour_specfun();
   tour_linalg();
   tour_random();
+  tour_zeros();
   return 0;
 }

@@ -12,5 +12,6 @@ void tour_sorting(void);
 void tour_specfun(void);
 void tour_linalg(void);
 void tour_random(void);
+void tour_zeros(void);
 
 #endif
