@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 #include <random>
+#include <string>
 #include <vector>
 
 #include "support/report.h"
@@ -124,8 +125,22 @@ TEST(VectorProbabilities, StatusesAndMessages) {
                 {" ** On entry, TAIL is not valid: TAIL = 'Z'"}, "G01SBF");
   expect_report([&](int64_t* f) { g01saf_(&bad, &n, pts.x.data(), &one, pts.df.data(), &one, pts.df.data(), p.data(), iv.data(), f, 1); },
                 1, {" ** On entry, TAIL is an invalid character: TAIL = 'Z'"}, "G01SAF");
-  expect_report([&](int64_t* f) { g01sbf_(&tail, &neg, pts.x.data(), &one, pts.df.data(), p.data(), iv.data(), f, 1); }, 2,
-                {" ** On entry, N = -1.", " ** Constraint: N >= 0."}, "G01SBF");
+  // The lower/upper routines reject 'C' and 'S', which the normal and t routines accept.
+  char central = 'C', sig = 'S';
+  expect_report([&](int64_t* f) { g01scf_(&central, &n, pts.x.data(), &one, pts.df.data(), p.data(), iv.data(), f, 1); }, 1,
+                {" ** On entry, TAIL is not valid: TAIL = 'C'"}, "G01SCF");
+  expect_report([&](int64_t* f) { g01sff_(&sig, &n, pts.x.data(), &one, pts.df.data(), &one, pts.df.data(), p.data(), iv.data(), f, 1); },
+                1, {" ** On entry, TAIL is not valid: TAIL = 'S'"}, "G01SFF");
+  // N before the parameter array lengths, which are themselves invalid here.
+  const std::vector<std::string> n_neg = {" ** On entry, N = -1.", " ** Constraint: N >= 0."};
+  expect_report([&](int64_t* f) { g01saf_(&tail, &neg, pts.x.data(), &zero, pts.df.data(), &zero, pts.df.data(), p.data(), iv.data(), f, 1); },
+                2, n_neg, "G01SAF");
+  expect_report([&](int64_t* f) { g01sbf_(&tail, &neg, pts.x.data(), &zero, pts.df.data(), p.data(), iv.data(), f, 1); }, 2,
+                n_neg, "G01SBF");
+  expect_report([&](int64_t* f) { g01scf_(&tail, &neg, pts.x.data(), &zero, pts.df.data(), p.data(), iv.data(), f, 1); }, 2,
+                n_neg, "G01SCF");
+  expect_report([&](int64_t* f) { g01sff_(&tail, &neg, pts.x.data(), &zero, pts.df.data(), &zero, pts.df.data(), p.data(), iv.data(), f, 1); },
+                2, n_neg, "G01SFF");
   expect_report([&](int64_t* f) { g01sbf_(&tail, &n, pts.x.data(), &zero, pts.df.data(), p.data(), iv.data(), f, 1); }, 2,
                 {" ** On entry, LDF = 0.", " ** Constraint: LDF >= 1."}, "G01SBF");
   expect_report([&](int64_t* f) { g01scf_(&tail, &n, pts.x.data(), &zero, pts.df.data(), p.data(), iv.data(), f, 1); }, 2,
