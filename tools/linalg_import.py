@@ -3,9 +3,10 @@
 
 Writes the committed declarations src/exports/f06.decl, f07.decl and f08.decl: one per library routine
 (arguments from the table's BLAS lists and from the reference LAPACK prototypes), its published name, the
-single-precision BLAS twins, and for every routine without a hand-written worker the routine it
-forwards to: OpenBLAS's (linked privately under the prefix vekob_), or for the level-3 BLAS the library's
-tiled routine (prefix vektl_, src/linalg/level3_tiled.cpp), whose results do not depend on the thread count. The build generates the forwarding workers, their
+single-precision BLAS twins, and the routine each forwards to: OpenBLAS's (linked privately under the
+prefix vekob_), or for the level-3 BLAS and the LAPACK lines marked 'own' the library's own routine (prefix
+vektl_, src/linalg), whose results do not depend on the thread count. The build generates the forwarding
+workers (with their checks of empty option texts), their
 prototypes and the published-name table from these declarations.
 
 The LAPACK prototypes come from Debian's liblapacke-dev (lapack.h), the arrays' lengths from the reference
@@ -390,10 +391,9 @@ class Arg:
 
 
 class Routine:
-    def __init__(self, library, published, args, returns, purpose, chapter, hand=False, internal=False,
-                 tiled=False):
+    def __init__(self, library, published, args, returns, purpose, chapter, internal=False, tiled=False):
         self.library, self.published, self.args, self.returns = library, published, args, returns
-        self.purpose, self.chapter, self.hand, self.internal = purpose, chapter, hand, internal
+        self.purpose, self.chapter, self.internal = purpose, chapter, internal
         self.tiled = tiled
 
     @property
@@ -508,10 +508,10 @@ def read_table(header: str, doc_folder: Path, missing: list):
                 routines.append(Routine(library, published, blas_args(arg_list, p), returns, purpose, library[:3],
                                         internal=i > 0, tiled=sig in LEVEL3))
         elif key == "lapack":
-            library, published, hand = words[1], words[2], "hand" in words[3:]
+            library, published, own = words[1], words[2], "own" in words[3:]
             args, returns = lapack_prototype(header, published, pages[published], selectors, missing)
             routines.append(Routine(library, published, args, returns, lapack_purpose(published), library[:3],
-                                    hand=hand))
+                                    tiled=own))
         else:
             raise SystemExit(f"linalg_import: unknown table line '{raw}'")
     return routines
@@ -539,11 +539,10 @@ def emit_decl(chapter: str, routines: list[Routine]) -> str:
         out.append(f"{'internal' if r.internal else 'routine'} {r.symbol if r.internal else r.library}{returns}")
         out.append(f"  purpose {r.purpose}")
         out += [a.decl() for a in r.args]
-        if not r.hand:
-            out.append(f"  forwards {TILED_PREFIX if r.tiled else PREFIX}{r.published}")
-            guard = guard_line(r.published)
-            if guard:
-                out.append(guard)
+        out.append(f"  forwards {TILED_PREFIX if r.tiled else PREFIX}{r.published}")
+        guard = guard_line(r.published)
+        if guard:
+            out.append(guard)
         out.append(f"published {r.published} {r.symbol}")
     return "\n".join(out) + "\n"
 

@@ -51,9 +51,10 @@ int64_t cholesky_factor(bool lower, int64_t n, double* a, int64_t lda) {
 }  // namespace
 }  // namespace vek::linalg
 
-extern "C" {
-
-void f07fdfn_(const char* uplo, const int64_t* n, double* a, const int64_t* lda, int64_t* info, int64_t) {
+// The library's DPOTRF: F07FDF's generated worker (which has reported an empty UPLO already) and the
+// dependency's LAPACK drivers (dposv, dsygv ...) come here. It allocates nothing.
+extern "C" void vektl_dpotrf_(const char* uplo, const int64_t* n, double* a, const int64_t* lda, int64_t* info,
+                              int64_t) {
   const char u = static_cast<char>(std::toupper(static_cast<unsigned char>(*uplo)));
   int64_t bad = 0;
   if (u != 'U' && u != 'L') bad = 1;
@@ -66,10 +67,3 @@ void f07fdfn_(const char* uplo, const int64_t* n, double* a, const int64_t* lda,
   }
   *info = vek::linalg::cholesky_factor(u == 'L', *n, a, *lda);
 }
-
-void vektl_dpotrf_(const char* uplo, const int64_t* n, double* a, const int64_t* lda, int64_t* info,
-                   int64_t uplo_len) {
-  f07fdfn_(uplo, n, a, lda, info, uplo_len);
-}
-
-}  // extern "C"

@@ -18,6 +18,8 @@
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
+#include <new>
+#include <optional>
 #include <vector>
 
 #include "frame/threads.h"
@@ -206,26 +208,38 @@ class Graph {
 
 int64_t lu_factor(int64_t m, int64_t n, double* a, int64_t lda, int64_t* ipiv) {
   if (std::min(m, n) == 0) return 0;
-  const Pieces pieces(m, n);
-  Graph graph(pieces, a, lda, ipiv);
-  const int64_t work = pieces.panels + static_cast<int64_t>(pieces.needs.size());
+  // The bookkeeping of the pieces is the only memory the factorisation takes, allocated here before any
+  // thread starts. Without it the dependency factorises the whole matrix on the calling thread: a different
+  // blocking, so other last bits than the pieces give, but still independent of the thread count.
+  std::optional<Pieces> pieces;
+  std::optional<Graph> graph;
+  try {
+    pieces.emplace(m, n);
+    graph.emplace(*pieces, a, lda, ipiv);
+  } catch (const std::bad_alloc&) {
+    int64_t info = 0;
+    vekob_dgetrf_(&m, &n, a, &lda, ipiv, &info);
+    return info;
+  }
+  const int64_t work = pieces->panels + static_cast<int64_t>(pieces->needs.size());
   const int team = threads::in_parallel() || work <= 2
                        ? 1
                        : static_cast<int>(std::clamp<int64_t>(threads::max_threads(), 1, work));
   if (team == 1) {
-    graph.work();
+    graph->work();
   } else {
 #pragma omp parallel num_threads(team)
-    graph.work();
+    graph->work();
   }
-  return graph.info();
+  return graph->info();
 }
 
 }  // namespace vek::linalg
 
-extern "C" {
-
-void f07adfn_(const int64_t* m, const int64_t* n, double* a, const int64_t* lda, int64_t* ipiv, int64_t* info) {
+// The library's DGETRF: F07ADF's generated worker and the dependency's LAPACK drivers (dgesv, dgesvx ...)
+// come here. Never throws: the drivers calling it are not C++.
+extern "C" void vektl_dgetrf_(const int64_t* m, const int64_t* n, double* a, const int64_t* lda, int64_t* ipiv,
+                              int64_t* info) {
   int64_t bad = 0;
   if (*m < 0) bad = 1;
   else if (*n < 0) bad = 2;
@@ -237,9 +251,3 @@ void f07adfn_(const int64_t* m, const int64_t* n, double* a, const int64_t* lda,
   }
   *info = vek::linalg::lu_factor(*m, *n, a, *lda, ipiv);
 }
-
-void vektl_dgetrf_(const int64_t* m, const int64_t* n, double* a, const int64_t* lda, int64_t* ipiv, int64_t* info) {
-  f07adfn_(m, n, a, lda, ipiv, info);
-}
-
-}  // extern "C"

@@ -66,8 +66,14 @@ TEST(HostileArguments, EmptyOptionTextsAreInvalidLetters) {
   dsyev_("N", none, &n, a.data(), &n, w.data(), lwork_space.data(), &lwork, &info, 1, 0);
   EXPECT_EQ(info, -2);
   dlaset_(none, &n, &n, &alpha, &alpha, c.data(), &n, 0);
+  // The library's own factorisation behind a published name gets the same screen.
+  info = 99;
+  dpotrf_(none, &n, a.data(), &n, &info, 0);
+  EXPECT_EQ(info, -1);
   EXPECT_EQ(cap.lines(), (Lines{report("F07AEF/DGETRS", 1), report("F06YAF/DGEMM", 2), report("F06RAF/DLANGE", 1),
-                                report("F06YAF/SGEMM", 1), report("F08FAF/DSYEV", 2), report("F06QHF/DLASET", 1)}));
+                                report("F06YAF/SGEMM", 1), report("F08FAF/DSYEV", 2), report("F06QHF/DLASET", 1),
+                                report("F07FDF/DPOTRF", 1)}));
+  EXPECT_EQ(a[0], 1);  // not factorised
   EXPECT_EQ(b[0], 5);  // nothing computed
   EXPECT_EQ(c[0], 7);
   EXPECT_EQ(sc[3], 7);
