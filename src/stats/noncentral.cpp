@@ -58,9 +58,20 @@ TailPair mixture(double mu, TermOf term_of) {
   return {lower.value(), upper.value()};
 }
 
+// A shape a = df/2 that underflows to zero (df the smallest subnormal) is the limit df -> 0: the central
+// chi-square becomes a point mass at 0, so P(a, h) = 1, and likewise I_y(a, b) = 1 and, for b -> 0,
+// I_y(a, b) = 0. The neglected parts are O(df), below the smallest subnormal.
+TailPair gamma_tails(double a, double h) {
+  if (a == 0.0) return {1.0, 0.0};
+  const specfun::GammaPQ g = specfun::gamma_pq(a, h);
+  return {g.p, g.q};
+}
+
 // I_y(a, b) and 1 - I_y(a, b) given y and 1 - y = z separately, evaluated at the smaller of the two so that
 // neither is formed as 1 minus the other.
 TailPair beta_tails(double a, double b, double y, double z) {
+  if (a == 0.0) return {1.0, 0.0};
+  if (b == 0.0) return {0.0, 1.0};
   if (y <= z) {
     const specfun::BetaInc r = specfun::beta_inc_pair(a, b, y);
     return {r.w, r.w1};
@@ -105,8 +116,8 @@ TailPair noncentral_chi_square(double x, double df, double lambda) {
   return mixture(mu, [&](double j) {
     const double w = poisson_weight(j + 1.0, mu);
     if (w == 0.0) return Term{0.0, 0.0, 0.0};
-    const specfun::GammaPQ g = specfun::gamma_pq(a + j, h);
-    return Term{w * g.p, w * g.q, w};
+    const TailPair g = gamma_tails(a + j, h);
+    return Term{w * g.lower, w * g.upper, w};
   });
 }
 

@@ -54,6 +54,26 @@ struct Worst {
   ~Worst() { std::printf("%s: worst relative error %.2g, worst absolute (where only absolute) %.2g\n", name, rel, abs); }
 };
 
+// A DF whose half underflows (the smallest subnormal) takes the limit DF -> 0, which the regular path at
+// DF = 1e-300 approaches to O(DF); for the t both tails tend to Phi(-DELTA) and Phi(DELTA).
+TEST(Noncentral, SmallestSubnormalDfIsTheZeroLimit) {
+  const double tiny = 4.94e-324, small = 1e-300;
+  for (const char tail : {'L', 'U'}) {
+    for (const double x : {0.3, 1.0, 7.0}) {
+      EXPECT_NEAR(chi2(tail, x, tiny, 1.0), chi2(tail, x, small, 1.0), 1e-14) << tail << x;
+      EXPECT_NEAR(ncf(tail, x, tiny, 3.0, 2.0), ncf(tail, x, small, 3.0, 2.0), 1e-14) << tail << x;
+      EXPECT_NEAR(ncf(tail, x, 3.0, tiny, 2.0), ncf(tail, x, 3.0, small, 2.0), 1e-14) << tail << x;
+    }
+  }
+  for (const double delta : {-2.0, 0.5}) {
+    for (const double t : {-1.0, 1.0}) {
+      EXPECT_NEAR(nct('L', t, tiny, delta), 0.5 * std::erfc(delta / std::sqrt(2.0)), 1e-15) << t << delta;
+      EXPECT_NEAR(nct('U', t, tiny, delta), 0.5 * std::erfc(-delta / std::sqrt(2.0)), 1e-15) << t << delta;
+    }
+  }
+  EXPECT_EQ(chi2('U', 1.0, tiny, 0.0), 0.0);  // no degrees and no centrality: the point mass at 0
+}
+
 TEST(Noncentral, ChiSquareBothTailsAgainstReference) {
   const auto rows = data_table("noncentral_chi2.txt");
   ASSERT_GT(rows.size(), 150U);

@@ -65,6 +65,29 @@ TEST(StudentizedRange, ProbabilitiesAndDeviatesAgainstReference) {
   EXPECT_EQ(g01emf_(&big, &nu, &k, &ifail), 1.0);
 }
 
+// Two groups at V = 1: Q = sqrt(2) abs(T) with T Cauchy, so P(Q <= q) = (2/pi) atan(q/sqrt 2) in closed form,
+// down to the smallest q and the smallest P; both calls must stay cheap at V = 1.
+TEST(StudentizedRange, TwoGroupsOneDegreeAgainstClosedForm) {
+  double v = 1.0;
+  int64_t k = 2, ifail = 1;
+  for (double q : {1e-10, 1e-100, 1e-300, 0.7, 2.5}) {
+    const double want = 2.0 / M_PI * std::atan(q / std::sqrt(2.0));
+    EXPECT_NEAR(g01emf_(&q, &v, &k, &ifail), want, 1e-13 * want) << q;
+    EXPECT_EQ(ifail, 0);
+  }
+  for (double p : {0.5, 1e-200}) {
+    const double want = std::sqrt(2.0) * std::tan(p * M_PI / 2.0);
+    EXPECT_NEAR(g01fmf_(&p, &v, &k, &ifail), want, 1e-12 * want) << p;
+    EXPECT_EQ(ifail, 0);
+  }
+  // The smallest P: a subnormal deviate whose probability rounds back to P's neighbourhood.
+  double p = 4.94e-324;
+  const double q = g01fmf_(&p, &v, &k, &ifail);
+  EXPECT_EQ(ifail, 0);
+  EXPECT_GT(q, 0.0);
+  EXPECT_LT(q, 1e-320);
+}
+
 TEST(StudentizedRange, Messages) {
   double q = -1.0, v = 10.0, p = 0.5;
   int64_t ir = 3;
