@@ -11,6 +11,7 @@
 #include "frame/constants.h"
 #include "layers/f06.h"
 #include "layers/f07.h"
+#include "linalg/lu_factor.h"
 
 namespace vek::linalg {
 namespace {
@@ -37,8 +38,7 @@ SolveResult solve_general(int64_t n, int64_t nrhs, double* a, int64_t lda, int64
   std::vector<int64_t> iwork = workspace<int64_t>(1, n);
   const double anorm = f06rafn_(&kOneNorm, &n, &n, a, &lda, work.data(), 1);
   SolveResult r;
-  int64_t info = 0;
-  f07adfn_(&n, &n, a, &lda, ipiv, &info);
+  int64_t info = lu_factor(n, n, a, lda, ipiv, WithoutMemory::throw_bad_alloc);
   if (info > 0) return SolveResult{info, 0.0};
   f07aefn_(&kNoTrans, &n, &nrhs, a, &lda, ipiv, b, &ldb, &info, 1);
   f07agfn_(&kOneNorm, &n, a, &lda, &anorm, &r.rcond, work.data(), iwork.data(), &info, 1);
@@ -75,8 +75,7 @@ SolveResult solve_spd(Triangle uplo, int64_t n, int64_t nrhs, double* a, int64_t
 
 int64_t invert_general(int64_t n, double* a, int64_t lda) {
   std::vector<int64_t> ipiv = workspace<int64_t>(1, n);
-  int64_t info = 0;
-  f07adfn_(&n, &n, a, &lda, ipiv.data(), &info);
+  int64_t info = lu_factor(n, n, a, lda, ipiv.data(), WithoutMemory::throw_bad_alloc);
   if (info > 0) return info;
   // Workspace query, then the inverse with the blocked algorithm's preferred size.
   double query = 0;

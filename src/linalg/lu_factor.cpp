@@ -206,17 +206,19 @@ class Graph {
 
 }  // namespace
 
-int64_t lu_factor(int64_t m, int64_t n, double* a, int64_t lda, int64_t* ipiv) {
+int64_t lu_factor(int64_t m, int64_t n, double* a, int64_t lda, int64_t* ipiv, WithoutMemory without_memory) {
   if (std::min(m, n) == 0) return 0;
   // The bookkeeping of the pieces is the only memory the factorisation takes, allocated here before any
-  // thread starts. Without it the dependency factorises the whole matrix on the calling thread: a different
-  // blocking, so other last bits than the pieces give, but still independent of the thread count.
+  // thread starts. Without it (WithoutMemory::use_dependency) the dependency factorises the whole matrix on the
+  // calling thread: a different blocking, so other last bits than the pieces give, but still independent of the
+  // thread count.
   std::optional<Pieces> pieces;
   std::optional<Graph> graph;
   try {
     pieces.emplace(m, n);
     graph.emplace(*pieces, a, lda, ipiv);
   } catch (const std::bad_alloc&) {
+    if (without_memory == WithoutMemory::throw_bad_alloc) throw;
     int64_t info = 0;
     vekob_dgetrf_(&m, &n, a, &lda, ipiv, &info);
     return info;

@@ -7,6 +7,12 @@
 
 namespace vek::linalg {
 
-int64_t lu_factor(int64_t m, int64_t n, double* a, int64_t lda, int64_t* ipiv);
+// What the factorisation does when its bookkeeping cannot be allocated: the published DGETRF (no IFAIL) lets
+// the dependency factorise on the calling thread; a library routine with IFAIL has std::bad_alloc thrown, which
+// its generated worker reports as IFAIL = -999.
+enum class WithoutMemory { use_dependency, throw_bad_alloc };
+
+int64_t lu_factor(int64_t m, int64_t n, double* a, int64_t lda, int64_t* ipiv,
+                  WithoutMemory without_memory = WithoutMemory::use_dependency);
 
 }  // namespace vek::linalg
