@@ -172,6 +172,32 @@ def run_azf(out, name, fname, ind, x, y, tolx, ir):
     raise RuntimeError(f"{name} does not end")
 
 
+def interval_zero(value, a, b, eps, eta):
+    """The driver's search in [a, b]: returns (x, outcome), outcome 0 (zero), 1 (same sign), or the kernel's
+    4 (pole) or 5 (EPS too small). A value with |f| < eta or f = 0 ends it at once."""
+
+    def accepted(v):
+        return abs(v) < eta or v == 0.0
+
+    fa = value(a)
+    if accepted(fa):
+        return a, 0
+    fb = value(b)
+    if accepted(fb):
+        return b, 0
+    if same_sign(fa, fb):
+        return b, 1
+    k = Kernel()
+    k.C[1] = fa
+    x, y, ind, ifail = k.call(b, a, fb, eps, 1, -1)
+    while ind != 0:
+        fx = value(x)
+        if accepted(fx):
+            return x, 0
+        x, y, ind, ifail = k.call(x, y, fx, eps, 1, ind)
+    return x, ifail
+
+
 def run_ayf(out, name, fname, a, b, eps, eta):
     f = FUNCTIONS[fname]
     out.append(f"ayf {name} {fname} {a!r} {b!r} {eps!r} {eta!r}")
@@ -180,29 +206,8 @@ def run_ayf(out, name, fname, a, b, eps, eta):
         out.append(f"eval {t!r}")
         return f(t)
 
-    def accepted(v):
-        return abs(v) < eta or v == 0.0
-
-    def done(ifail, x):
-        out.append(f"done {ifail} {x!r}")
-
-    fa = value(a)
-    if accepted(fa):
-        return done(0, a)
-    fb = value(b)
-    if accepted(fb):
-        return done(0, b)
-    if same_sign(fa, fb):
-        return done(1, b)
-    k = Kernel()
-    k.C[1] = fa
-    x, y, ind, ifail = k.call(b, a, fb, eps, 1, -1)
-    while ind != 0:
-        fx = value(x)
-        if accepted(fx):
-            return done(0, x)
-        x, y, ind, ifail = k.call(x, y, fx, eps, 1, ind)
-    done({0: 0, 4: 3, 5: 2}[ifail], x)
+    x, outcome = interval_zero(value, a, b, eps, eta)
+    out.append(f"done {({0: 0, 1: 1, 4: 3, 5: 2}[outcome])} {x!r}")
 
 
 class Search:
@@ -347,24 +352,7 @@ def run_auf(out, name, fname, x, h, eps, eta):
     if y == x:
         return done(0, x, x, x)
     a, b = y, x
-    # c05ayf on [a, b]
-    fa = value(a)
-    if abs(fa) < eta or fa == 0.0:
-        z, code = a, 0
-    else:
-        fb = value(b)
-        if abs(fb) < eta or fb == 0.0:
-            z, code = b, 0
-        else:
-            k = Kernel()
-            k.C[1] = fa
-            z, w, ind, code = k.call(b, a, fb, eps, 1, -1)
-            while ind != 0:
-                fz = value(z)
-                if abs(fz) < eta or fz == 0.0:
-                    code = 0
-                    break
-                z, w, ind, code = k.call(z, w, fz, eps, 1, ind)
+    z, code = interval_zero(value, a, b, eps, eta)  # c05ayf on [a, b]
     ifail = {0: 0, 4: 3, 5: 4}[code]
     fz = value(z)
     if abs(fz) <= eta:
