@@ -28,28 +28,40 @@ double ulps(double got, double want) {
   return std::abs(got - want) / spacing;
 }
 
-}  // namespace
-
-TEST(LambertW, AgainstMpmathOnBothBranches) {
-  std::ifstream file(std::string(VEK_TEST_DATA_DIR) + "/lambert_w.txt");
-  ASSERT_TRUE(file.good());
-  std::map<std::string, double> worst;
+// Calls row(line, region, branch, offset, numbers) for each point of a table in the data folder; the numbers
+// are read back from their repr() text to the same doubles. Returns the number of points.
+template <class Row>
+int for_each_point(const std::string& name, Row row) {
+  std::ifstream file(std::string(VEK_TEST_DATA_DIR) + "/" + name);
+  EXPECT_TRUE(file.good()) << name;
   int points = 0;
   for (std::string line; std::getline(file, line);) {
     if (line.empty() || line[0] == '#') continue;
     std::istringstream in(line);
-    std::string region, x_text, w_text;
+    std::string region, text;
     int64_t branch = 0, offset = 0;
-    in >> region >> branch >> offset >> x_text >> w_text;
-    const double x = std::strtod(x_text.c_str(), nullptr), want = std::strtod(w_text.c_str(), nullptr);
-    int64_t ifail = -1;
-    const double got = lambert(x, branch, offset != 0, &ifail);
-    EXPECT_EQ(ifail, 0) << line;
-    const double e = ulps(got, want);
-    worst[region] = std::max(worst[region], e);
-    EXPECT_LE(e, 2.0) << line << " got " << got;
+    in >> region >> branch >> offset;
+    std::vector<double> numbers;
+    while (in >> text) numbers.push_back(std::strtod(text.c_str(), nullptr));
+    row(line, region, branch, offset, numbers);
     ++points;
   }
+  return points;
+}
+
+}  // namespace
+
+TEST(LambertW, AgainstMpmathOnBothBranches) {
+  std::map<std::string, double> worst;
+  const int points = for_each_point("lambert_w.txt", [&](const std::string& line, const std::string& region,
+                                                         int64_t branch, int64_t offset, const std::vector<double>& v) {
+    int64_t ifail = -1;
+    const double got = lambert(v[0], branch, offset != 0, &ifail);
+    EXPECT_EQ(ifail, 0) << line;
+    const double e = ulps(got, v[1]);
+    worst[region] = std::max(worst[region], e);
+    EXPECT_LE(e, 2.0) << line << " got " << got;
+  });
   EXPECT_GT(points, 400);
   for (const auto& [region, e] : worst) std::printf("  %-14s max %.2f ulp\n", region.c_str(), e);
 }
@@ -97,18 +109,10 @@ TEST(LambertW, MessagesAndEdges) {
 
 TEST(LambertW, ComplexAgainstMpmath) {
   // Relative error |w - W| / |W| in units of 2^-52, per region; RESID small against |z|.
-  std::ifstream file(std::string(VEK_TEST_DATA_DIR) + "/lambert_w_complex.txt");
-  ASSERT_TRUE(file.good());
   std::map<std::string, double> worst;
-  int points = 0;
-  for (std::string line; std::getline(file, line);) {
-    if (line.empty() || line[0] == '#') continue;
-    std::istringstream in(line);
-    std::string region, t[4];
-    int64_t branch = 0, offset = 0;
-    in >> region >> branch >> offset >> t[0] >> t[1] >> t[2] >> t[3];
-    double v[4];
-    for (int k = 0; k < 4; ++k) v[k] = std::strtod(t[k].c_str(), nullptr);
+  const int points = for_each_point("lambert_w_complex.txt", [&](const std::string& line, const std::string& region,
+                                                                 int64_t branch, int64_t offset,
+                                                                 const std::vector<double>& v) {
     const vek_complex z{v[0], v[1]};
     vek_complex w{};
     double resid = -1.0;
@@ -119,8 +123,7 @@ TEST(LambertW, ComplexAgainstMpmath) {
     worst[region] = std::max(worst[region], e);
     EXPECT_LE(e, 3.0) << line << " got " << w.re << " " << w.im;
     EXPECT_GE(resid, 0.0);
-    ++points;
-  }
+  });
   EXPECT_GT(points, 400);
   for (const auto& [region, e] : worst) std::printf("  %-14s max %.2f x 2^-52\n", region.c_str(), e);
 
