@@ -320,6 +320,20 @@ PIVOT_GUARDS = {
     **{op: f"UPLO~UL N>=0 NRHS>=0 LDB>=max(1,N) LDX>=max(1,N) {BK_PIVOTS}" for op in ("sprfs", "hprfs")},
     **{op: f"UPLO~UL N>=0 {BK_PIVOTS}" for op in ("sptri", "hptri")},
 }
+# Expert drivers handed a factorisation (FACT = 'F'): the published checks in their order, the equilibration
+# the caller says was applied, then the pivots.
+HANDED = "||!same(FACT,'F')"
+SCALES = (f"EQUED~NRCB{HANDED} scales_ok(R,N)||!row_scaled(FACT,EQUED) scales_ok(C,N)||!column_scaled(FACT,EQUED) "
+          "LDB>=max(1,N) LDX>=max(1,N)")
+PIVOT_GUARDS.update({
+    "gesvx": f"FACT~NEF TRANS~NTC N>=0 NRHS>=0 LDA>=max(1,N) LDAF>=max(1,N) {SCALES} {LU_PIVOTS}{HANDED}",
+    "gbsvx": f"FACT~NEF TRANS~NTC N>=0 KL>=0 KU>=0 NRHS>=0 LDAB>=KL+KU+1 LDAFB>=2*KL+KU+1 {SCALES} "
+             f"{LU_PIVOTS}{HANDED}",
+    "gtsvx": f"FACT~NF TRANS~NTC N>=0 NRHS>=0 LDB>=max(1,N) LDX>=max(1,N) {TRIDIAGONAL_PIVOTS}{HANDED}",
+    **{op: f"FACT~NF UPLO~UL N>=0 NRHS>=0 LDA>=max(1,N) LDAF>=max(1,N) LDB>=max(1,N) LDX>=max(1,N) "
+           f"LWORK>=max(1,{least}*N)||LWORK==-1 {BK_PIVOTS}{HANDED}||LWORK==-1"
+       for op, least in (("dsysvx", 3), ("zsysvx", 2), ("zhesvx", 2))},
+})
 GUARDS.update({op: f"require @{{name}} info {checks}" for op, checks in PIVOT_GUARDS.items()})
 # The generalized SVD and its preprocessing: LWORK at least the workspace query's answer (position of LWORK).
 GUARDS["dggsvd3"] = "generalized_svd @{name} M N P A LDA B LDB ALPHA BETA &WORK &LWORK &INFO 22"

@@ -169,6 +169,8 @@ bool letter_ok(char letter, const char* allowed) {
   return up != '\0' && std::strchr(allowed, up) != nullptr;
 }
 
+bool same(char letter, char wanted) { return std::toupper(static_cast<unsigned char>(letter)) == wanted; }
+
 double nan() { return kNaN; }
 
 // ---- row interchanges ----------------------------------------------------------------------------------
@@ -244,6 +246,16 @@ bool pivots_ok(const int64_t* ipiv, int64_t n) {
 bool tridiagonal_pivots_ok(const int64_t* ipiv, int64_t n) {
   for (int64_t i = 1; i <= n; ++i)
     if (ipiv[i - 1] != i && (ipiv[i - 1] != i + 1 || i == n)) return false;
+  return true;
+}
+
+bool row_scaled(char fact, char equed) { return same(fact, 'F') && (same(equed, 'R') || same(equed, 'B')); }
+
+bool column_scaled(char fact, char equed) { return same(fact, 'F') && (same(equed, 'C') || same(equed, 'B')); }
+
+bool scales_ok(const double* s, int64_t n) {
+  for (int64_t i = 0; i < n; ++i)
+    if (!(s[i] > 0)) return false;
   return true;
 }
 

@@ -66,6 +66,8 @@ void report(std::string_view published, int64_t position);
 
 // An option letter of the published set (upper case; the letter is taken in either case).
 bool letter_ok(char letter, const char* allowed);
+// The letter is `wanted` (upper case) in either case.
+bool same(char letter, char wanted);
 
 // The result of a norm routine whose arguments were reported.
 double nan();
@@ -99,6 +101,12 @@ void row_interchange(Forward forward, const char* published, int64_t n, T* a, in
 bool pivots_ok(const int64_t* ipiv, int64_t n);
 bool tridiagonal_pivots_ok(const int64_t* ipiv, int64_t n);
 bool symmetric_pivots_ok(const int64_t* ipiv, int64_t n, char uplo);
+
+// The equilibration an expert driver is handed with its factorisation (FACT = 'F'): rows scaled for
+// EQUED = 'R' or 'B', columns for 'C' or 'B', each factor positive (a NaN is not). N < 0: true.
+bool row_scaled(char fact, char equed);
+bool column_scaled(char fact, char equed);
+bool scales_ok(const double* s, int64_t n);
 
 // The blocks of a split tridiagonal matrix handed to inverse iteration (?stein): IBLOCK(1..M) names blocks
 // 1..N, and ISPLIT(1..IBLOCK(M)), the last row of each block, rises strictly within 1..N. (M <= N is
@@ -166,7 +174,8 @@ void packed_solve(Forward forward, const char* published, char uplo, int64_t n, 
 
 // ?spsvx, zhpsvx with FACT = 'N': the factorisation into AFP as above; a failed pivot returns INFO and
 // RCOND = 0 as published, otherwise the dependency goes on with FACT = 'F' (FACT is the forwarding call's own
-// argument, passed here by reference).
+// argument, passed here by reference). With FACT = 'F' the caller's pivots are checked after the published
+// checks and reported as IPIV (7).
 bool packed_copy(const double* ap, double* afp, int64_t n);
 bool packed_copy(const vek_complex* ap, vek_complex* afp, int64_t n);
 
@@ -174,7 +183,13 @@ template <class Forward, class T>
 void packed_expert(Forward forward, const char* published, const char*& fact, char uplo, int64_t n, int64_t nrhs,
                    const T* ap, T* afp, int64_t* ipiv, int64_t ldb, int64_t ldx, double* rcond, int64_t* info) {
   const int64_t least = n > 1 ? n : 1;
-  const bool factor = *fact == 'N' || *fact == 'n';
+  const bool factor = same(*fact, 'N');
+  if (same(*fact, 'F') && letter_ok(uplo, "UL") && n >= 0 && nrhs >= 0 && ldb >= least && ldx >= least &&
+      !symmetric_pivots_ok(ipiv, n, uplo)) {
+    report(published, 7);
+    *info = -7;
+    return;
+  }
   if (!factor || nrhs < 0 || ldb < least || ldx < least || !packed_copy(ap, afp, n) ||
       !packed_factor_full(published, uplo, n, afp, ipiv, info))
     return forward();

@@ -151,6 +151,65 @@ TEST(HostileArguments, PivotsOutsideTheFactorisationAreReportedBeforeUse) {
   }
 }
 
+TEST(HostileArguments, ExpertDriversCheckTheFactorisationTheyAreHanded) {
+  // FACT = 'F': the published checks in their order, the equilibration the caller names, then the pivots,
+  // which the drivers' solves and condition estimates index rows with.
+  Factored f;
+  const int64_t n = 3, one = 1;
+  GuardedArray<double> a{2, 4, 1, 1, 1, 3, 0, 5, 1}, b(f.b), x(3), r{1, 1, 1}, c{1, 1, 1}, ferr(1), berr(1);
+  GuardedArray<double> work(12);
+  GuardedArray<int64_t> iwork(3);
+  double rcond = -1;
+  auto gesvx = [&](const int64_t* ipiv, char equed) {
+    int64_t info = kMin;
+    dgesvx_("F", "N", &n, &one, a.data(), &n, f.lu.data(), &n, const_cast<int64_t*>(ipiv), &equed, r.data(), c.data(),
+            b.data(), &n, x.data(), &n, &rcond, ferr.data(), berr.data(), work.data(), iwork.data(), &info, 1, 1, 1);
+    return info;
+  };
+  EXPECT_EQ(gesvx(f.ipiv.data(), 'N'), 0);  // the factorisation handed back solves A x = b
+  for (int i = 0; i < 3; ++i) EXPECT_NEAR(x[i], i + 1, 1e-14);
+  EXPECT_GT(rcond, 0);
+  GuardedArray<int64_t> bad{f.ipiv[0], 4, f.ipiv[2]}, zero{0, 0, 0};
+  vek::testing::UnitCapture cap;
+  EXPECT_EQ(gesvx(bad.data(), 'N'), -9);
+  EXPECT_EQ(gesvx(bad.data(), 'Q'), -10);  // EQUED before the pivots
+  r[1] = 0;
+  EXPECT_EQ(gesvx(bad.data(), 'B'), -11);
+  r[1] = 1;
+  c[2] = std::nan("");
+  EXPECT_EQ(gesvx(f.ipiv.data(), 'C'), -12);
+  c[2] = 1;
+  // Band: KL = KU = 1, LDAB = 3, LDAFB = 4; tridiagonal; symmetric indefinite, full and packed.
+  const int64_t kl = 1, ldab = 3, ldafb = 4, lwork = 9;
+  GuardedArray<double> ab(9, 1.0), afb(12, 1.0), d(3, 1.0), e(2, 1.0), du2(1), sym(9, 1.0), ap(6, 1.0);
+  GuardedArray<vek_complex> za(9), zaf(9), zb(3), zx(3), zwork(9);
+  char equed = 'N';
+  int64_t info[5];
+  dgbsvx_("F", "N", &n, &kl, &kl, &one, ab.data(), &ldab, afb.data(), &ldafb, zero.data(), &equed, r.data(),
+          c.data(), b.data(), &n, x.data(), &n, &rcond, ferr.data(), berr.data(), work.data(), iwork.data(),
+          &info[0], 1, 1, 1);
+  GuardedArray<int64_t> skip{2, 3, 4};  // IPIV(2) = 3 is a pivot of row 2; IPIV(3) = 4 is no row
+  dgtsvx_("F", "N", &n, &one, e.data(), d.data(), e.data(), e.data(), d.data(), e.data(), du2.data(), skip.data(),
+          b.data(), &n, x.data(), &n, &rcond, ferr.data(), berr.data(), work.data(), iwork.data(), &info[1], 1, 1);
+  dsysvx_("f", "U", &n, &one, sym.data(), &n, sym.data(), &n, zero.data(), b.data(), &n, x.data(), &n, &rcond,
+          ferr.data(), berr.data(), work.data(), &lwork, iwork.data(), &info[2], 1, 1);
+  zhesvx_("F", "L", &n, &one, za.data(), &n, zaf.data(), &n, bad.data(), zb.data(), &n, zx.data(), &n, &rcond,
+          ferr.data(), berr.data(), zwork.data(), &lwork, work.data(), &info[3], 1, 1);
+  dspsvx_("F", "U", &n, &one, ap.data(), ap.data(), zero.data(), b.data(), &n, x.data(), &n, &rcond, ferr.data(),
+          berr.data(), work.data(), iwork.data(), &info[4], 1, 1);
+  EXPECT_EQ(std::vector<int64_t>(info, info + 5), (std::vector<int64_t>{-11, -12, -9, -9, -7}));
+  EXPECT_EQ(cap.lines(), (Lines{report("F07ABF/DGESVX", 9), report("F07ABF/DGESVX", 10), report("F07ABF/DGESVX", 11),
+                                report("F07ABF/DGESVX", 12), report("F07BBF/DGBSVX", 11), report("F07CBF/DGTSVX", 12),
+                                report("F07MBF/DSYSVX", 9), report("F07MPF/ZHESVX", 9), report("F07PBF/DSPSVX", 7)}));
+  EXPECT_EQ(b[0], f.b[0]);  // nothing solved
+  // A workspace query of the symmetric driver reads no pivots.
+  const int64_t query = -1;
+  int64_t qinfo = kMin;
+  dsysvx_("F", "U", &n, &one, sym.data(), &n, sym.data(), &n, zero.data(), b.data(), &n, x.data(), &n, &rcond,
+          ferr.data(), berr.data(), work.data(), &query, iwork.data(), &qinfo, 1, 1);
+  EXPECT_EQ(qinfo, 0);
+}
+
 TEST(HostileArguments, TridiagonalAndSymmetricPivotsFollowTheirFactorisations) {
   const int64_t n = 3, one = 1;
   // Tridiagonal: the pivots of dgttrf (IPIV(i) is i or i + 1) solve A x = b for x = (1, 2, 3) with

@@ -9,13 +9,15 @@
   guard NAME ARG...                   vek::linalg::guard::NAME(forward, ARG...) decides: forward, or handle
                                       the case itself.
   guard require @NAME RESULT COND...  the published checks the dependency does not make, in argument order;
-                                      COND is an expression that must hold or ARG~LETTERS (an option letter);
-                                      the first failing one is reported with the position of its first
-                                      argument, and RESULT is returned: nan, info (INFO = -position) or none.
+                                      COND is an expression that must hold, in which ARG~LETTERS says that
+                                      ARG is one of the option letters; the first failing one is reported
+                                      with the position of its first argument, and RESULT is returned: nan,
+                                      info (INFO = -position) or none.
 Arguments of a named guard: a scalar argument by value, an array by its address, &INFO a scalar's address
 (the forwarding call sees what the guard writes there), @zgemv the published name (for the argument-error report), =NTC a string.
 Expressions are C-like over the scalar arguments, with min() and max(), and the pivot predicates of guards.h
-(pivots_ok(IPIV,N), blocks_ok(IBLOCK,M,N) ...); a condition is reported with the position of the first argument it names.
+(pivots_ok(IPIV,N), blocks_ok(IBLOCK,M,N), same(FACT,'F') ...); a condition is reported with the position of the
+first argument it names.
 """
 from __future__ import annotations
 
@@ -25,9 +27,10 @@ from .model import Routine
 
 NS = "vek::linalg::guard::"
 QUERY_ARGS = ("LWORK", "LRWORK", "LIWORK")
-# Conditions of 'guard require' that read an array (guards.h): the pivots of a factorisation, the blocks of a
-# split tridiagonal matrix.
-PREDICATES = ("pivots_ok", "tridiagonal_pivots_ok", "symmetric_pivots_ok", "blocks_ok", "splits_ok")
+# Predicates of 'guard require' (guards.h): an option letter, the pivots of a factorisation, the blocks of a
+# split tridiagonal matrix, the scale factors of an equilibrated one.
+PREDICATES = ("letter_ok", "same", "pivots_ok", "tridiagonal_pivots_ok", "symmetric_pivots_ok", "blocks_ok",
+              "splits_ok", "scales_ok", "row_scaled", "column_scaled")
 
 
 def expression(r: Routine, text: str, wide: bool = False) -> str:
@@ -39,7 +42,7 @@ def expression(r: Routine, text: str, wide: bool = False) -> str:
         return '"' + text[1:].upper() + '"'
     def name(m):
         word = m.group(0)
-        if word == "nullptr":
+        if word == "nullptr" or word.startswith('"'):
             return word
         if word in ("min", "max"):
             return f"std::{word}<{'__int128' if wide else 'int64_t'}>"
@@ -51,7 +54,7 @@ def expression(r: Routine, text: str, wide: bool = False) -> str:
         if wide and a.is_scalar and a.base == "int":
             return f"static_cast<__int128>(*{a.param})"
         return a.param if not a.is_scalar else f"(*{a.param})"
-    return re.sub(r"(?<!')\b[A-Za-z_]\w*\b(?!')", name, text)
+    return re.sub(r"\"[^\"]*\"|(?<!')\b[A-Za-z_]\w*\b(?!')", name, text)
 
 
 def region(r: Routine, text: str) -> str:
@@ -67,9 +70,7 @@ def condition(r: Routine, text: str) -> tuple[int, str]:
     if not first or not r.arg(first.group(0)):
         raise ValueError(f"guard: condition '{text}' names no argument")
     position = 1 + [a.name for a in r.args].index(first.group(0))
-    if "~" in text:
-        name, letters = text.split("~")
-        return position, f"{NS}letter_ok({expression(r, name)}, \"{letters}\")"
+    text = re.sub(r"\b([A-Z]\w*)~(\w+)", r'letter_ok(\1,"\2")', text)
     return position, f"({expression(r, text, wide=True)})"
 
 
