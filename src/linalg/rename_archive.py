@@ -16,54 +16,34 @@ import tempfile
 from pathlib import Path
 
 
-def own_definitions(args, archive):
-    """Renames each --own symbol's definition PREFIX + name to PREFIX + "openblas_" + name, in the one member
-    that defines it; the other members' references keep PREFIX + name."""
-    listing = subprocess.run([args.nm, "-A", "--defined-only", "-g", str(archive)], capture_output=True,
-                             text=True, check=True).stdout
-    wanted = {args.prefix + name: args.prefix + "openblas_" + name for name in args.own}
-    defining = {}  # member -> its symbols to rename
+def fix_definitions(args, work: Path, fixes: dict[str, str]):
+    """Renames OLD to NEW (`fixes`) where OLD is defined, in the few members defining one, in one pass over an
+    archive of just those members: the definitions of the --calls routines (sent to CALL_PREFIX + name by the
+    archive-wide rename) get PREFIX + name back, and those of the --own symbols become PREFIX + "openblas_" +
+    name while the other members' references keep PREFIX + name. A member using a symbol of `fixes` that it
+    does not define would be renamed wrongly: refused."""
+    listing = subprocess.run([args.nm, "-A", str(work)], capture_output=True, text=True, check=True).stdout
+    defining, using = set(), set()
     for line in listing.splitlines():
-        symbol = line.split()[-1]
-        if symbol in wanted:
-            defining.setdefault(line.split(":")[1], []).append(symbol)
-    missing = wanted.keys() - {s for symbols in defining.values() for s in symbols}
+        where, _, rest = line.rpartition(":")
+        fields = rest.split()
+        if len(fields) >= 2 and fields[-1] in fixes:
+            (using if fields[-2] == "U" else defining).add((where.rsplit(":", 1)[-1], fields[-1]))
+    members = sorted({m for m, _ in defining})
+    missing = fixes.keys() - {symbol for _, symbol in defining}
     if missing:
         raise SystemExit(f"not defined by the archive: {sorted(missing)}")
-    with tempfile.TemporaryDirectory() as tmp:
-        subprocess.run([args.ar, "x", str(archive.resolve()), *defining], cwd=tmp, check=True)
-        for member, symbols in defining.items():
-            subprocess.run([args.objcopy, *(f"--redefine-sym={s}={wanted[s]}" for s in symbols), member], cwd=tmp,
-                           check=True)
-        subprocess.run([args.ar, "r", str(archive.resolve()), *defining], cwd=tmp, check=True)
-
-
-def undefined_by_member(nm: str, archive: Path) -> dict[str, set[str]]:
-    """The undefined symbols of each member of the archive."""
-    listing = subprocess.run([nm, "-A", "--undefined-only", str(archive)], capture_output=True, text=True,
-                             check=True).stdout
-    members: dict[str, set[str]] = {}
-    for line in listing.splitlines():
-        # "archive:member:                 U symbol"
-        where, _, symbol = line.rpartition(" U ")
-        if where:
-            members.setdefault(where.rsplit(":", 2)[-2], set()).add(symbol.strip())
-    return members
-
-
-def redirect_calls(args, work: Path, renamed: dict[str, str]):
-    """Members calling a routine named by --calls get that call renamed CALL_PREFIX + name."""
-    targets = {f"{args.prefix}{name}": f"{args.call_prefix}{name}" for name in args.calls if name in renamed}
-    members = sorted(m for m, used in undefined_by_member(args.nm, work).items() if used & targets.keys())
-    if not members:
-        return
+    clashes = sorted(m for m, _ in using if m in members)
+    if clashes:
+        raise SystemExit(f"members both defining and using a renamed definition: {clashes}")
     with tempfile.TemporaryDirectory() as folder:
         subprocess.run([args.ar, "x", str(work.resolve()), *members], cwd=folder, check=True)
-        map_file = Path(folder) / "calls.map"
-        map_file.write_text("".join(f"{old} {new}\n" for old, new in targets.items()))
-        for m in members:
-            subprocess.run([args.objcopy, f"--redefine-syms={map_file}", m], cwd=folder, check=True)
-        subprocess.run([args.ar, "r", str(work.resolve()), *members], cwd=folder, check=True)
+        subprocess.run([args.ar, "rc", "defining.a", *members], cwd=folder, check=True)
+        map_file = Path(folder) / "fixes.map"
+        map_file.write_text("".join(f"{old} {new}\n" for old, new in fixes.items()))
+        subprocess.run([args.objcopy, f"--redefine-syms={map_file}", "defining.a"], cwd=folder, check=True)
+        subprocess.run([args.ar, "x", "defining.a"], cwd=folder, check=True)
+        subprocess.run([args.ar, "rS", str(work.resolve()), *members], cwd=folder, check=True)
 
 
 def main():
@@ -87,15 +67,18 @@ def main():
     work = args.output.with_suffix(".tmp.a")
     map_file = args.output.with_suffix(".map")
     renamed = {s: f"{args.prefix}{s}" for s in symbols}
+    calls = {name: f"{args.call_prefix}{name}" for name in args.calls if name in renamed}
     redirected = dict(r.split("=", 1) for r in args.redirect)
-    map_file.write_text("".join(f"{old} {new}\n" for old, new in {**renamed, **redirected}.items()))
+    map_file.write_text("".join(f"{old} {new}\n" for old, new in {**renamed, **calls, **redirected}.items()))
     shutil.copyfile(args.archive, work)
     subprocess.run([args.objcopy, f"--redefine-syms={map_file}", str(work)], check=True)
-    redirect_calls(args, work, renamed)
     if args.drop:
-        subprocess.run([args.ar, "d", str(work), *args.drop], check=True)
-    if args.own:
-        own_definitions(args, work)
+        subprocess.run([args.ar, "dS", str(work), *args.drop], check=True)
+    fixes = {new: renamed[name] for name, new in calls.items()}
+    fixes.update({f"{args.prefix}{name}": f"{args.prefix}openblas_{name}" for name in args.own})
+    fix_definitions(args, work, fixes)
+    # The symbol index is rebuilt once, at the end: each rebuild reads all the archive's members.
+    subprocess.run([args.ar, "s", str(work)], check=True)
     work.replace(args.output)
 
 
