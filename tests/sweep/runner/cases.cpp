@@ -108,7 +108,7 @@ Case baseline_case(const RoutineDesc& d) {
   return c;
 }
 
-std::vector<Case> build_cases(const RoutineDesc& d, bool long_run) {
+std::vector<Case> build_cases(const RoutineDesc& d, std::size_t most) {
   const Case base = baseline_case(d);
   std::vector<Case> out;
   auto add = [&](Case c, std::string what) {
@@ -170,7 +170,7 @@ std::vector<Case> build_cases(const RoutineDesc& d, bool long_run) {
       std::vector<int> fills;
       if (a.base == 'I' || a.base == 'L') {
         if (a.shape == known_length) fills = {fill_minus_one, fill_zero, fill_int_max, fill_int_min};
-      } else if (long_run) {
+      } else if (most == 0) {
         fills = {fill_nan, fill_inf, fill_minus_inf, fill_first_nan, fill_max, fill_denormal, fill_zero};
       } else {
         fills = {fill_nan, fill_inf, fill_first_nan, fill_max};
@@ -200,10 +200,8 @@ std::vector<Case> build_cases(const RoutineDesc& d, bool long_run) {
       add(c, "IFAIL");
     }
   }
-  // The default run samples a routine's calls evenly, fewer where only small sizes can be tried; the long run
-  // makes them all.
-  const std::size_t most = has_unknown_lengths(d) ? 30 : 60;
-  if (!long_run && out.size() > most) {
+  if (has_unknown_lengths(d)) most /= 2;
+  if (most > 0 && out.size() > most) {
     std::vector<Case> sample;
     for (std::size_t n = 0; n < most; ++n) sample.push_back(out[n * out.size() / most]);
     out = std::move(sample);

@@ -1,13 +1,15 @@
 // The hostile-input sweep over every declared routine, and (with --alloc) the allocation-failure sweep.
 //
-//   vek_sweep [--self-test] [--long] [--alloc] [--print-known] [--only=NAME,...] [--timeout=SECONDS] [--known=FILE]
+//   vek_sweep [--self-test] [--long] [--alloc] [--print-known] [--only=NAME,...] [--calls=N] [--timeout=SECONDS]
+//             [--known=FILE]
 //
 // Environment: VEK_SWEEP_LONG=1 makes every call of every routine (the default samples at most 60 per
-// routine); VEK_SWEEP_ONLY and VEK_SWEEP_TIMEOUT as the options. Exit status 1 when a failure is found that
-// the known-failures list does not hold.
+// routine, --calls=N at most N); VEK_SWEEP_ONLY and VEK_SWEEP_TIMEOUT as the options. Exit status 1 when a
+// failure is found that the known-failures list does not hold.
 #include <stdlib.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstring>
@@ -24,6 +26,7 @@ namespace {
 
 struct Options {
   bool long_run = false, alloc = false, print_known = false, self_test = false;
+  std::size_t calls = sweep::kSampledCalls;  // per routine, unless the long run
   std::set<std::string> only;
   int timeout = 2;
   std::string known;
@@ -47,6 +50,7 @@ Options read_options(int argc, char** argv) {
     else if (a == "--print-known") o.print_known = true;
     else if (a == "--self-test") o.self_test = true;
     else if (a.rfind("--only=", 0) == 0) only(a.substr(7));
+    else if (a.rfind("--calls=", 0) == 0) o.calls = std::max(1, std::atoi(a.c_str() + 8));
     else if (a.rfind("--timeout=", 0) == 0) o.timeout = std::atoi(a.c_str() + 10);
     else if (a.rfind("--known=", 0) == 0) o.known = a.substr(8);
   }
@@ -100,7 +104,7 @@ int main(int argc, char** argv) {
     const RoutineDesc& d = routine_table[r];
     if (!opt.only.empty() && !opt.only.count(d.name) && !opt.only.count(d.chapter)) continue;
     if (opt.alloc && has_unknown_lengths(d)) continue;  // the lengths needed to judge the arrays are missing
-    const std::vector<Case> all = build_cases(d, opt.long_run);
+    const std::vector<Case> all = build_cases(d, opt.long_run ? 0 : opt.calls);
     ++routines;
     if (has_unknown_lengths(d)) ++small_only;
     // The allocation-failure sweep takes the baseline call and the first hostile one, which usually fails a

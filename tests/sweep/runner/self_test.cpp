@@ -75,7 +75,7 @@ int self_test(int timeout) {
   opt.stdout_path = std::string(dir) + "/console.txt";
   int wrong = 0;
   for (const Planted& p : planted) {
-    const BatchResult r = run_routine(p.d, build_cases(p.d, false), opt);
+    const BatchResult r = run_routine(p.d, build_cases(p.d, sweep::kSampledCalls), opt);
     std::string kinds;
     for (const Event& e : r.events)
       if (kinds.find(e.kind) == std::string::npos) kinds += (kinds.empty() ? "" : ",") + e.kind;

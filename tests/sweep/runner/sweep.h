@@ -46,7 +46,10 @@ std::vector<Len> scalar_lengths(const RoutineDesc& d, const Case& c);
 int64_t elements(const RoutineDesc& d, const Case& c, int k);
 bool legitimate(const RoutineDesc& d, const Case& c);
 Case baseline_case(const RoutineDesc& d);
-std::vector<Case> build_cases(const RoutineDesc& d, bool long_run);
+// A routine's calls: the baseline and each hostile variation, sampled evenly down to `most` (half that where
+// only small sizes can be tried); most = 0 keeps them all (the long run).
+constexpr std::size_t kSampledCalls = 60;
+std::vector<Case> build_cases(const RoutineDesc& d, std::size_t most);
 std::string describe(const RoutineDesc& d, const Case& c);
 
 // One failure found by a call.
