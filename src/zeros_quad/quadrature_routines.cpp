@@ -15,16 +15,23 @@ namespace {
 
 using zeros_quad::QuadratureEnd;
 
-// Runs integrate_with(integrand, A, B, tolerances, list) over LIMIT subintervals, then packs and sorts W and IW
-// and reports the outcome.
+// Runs integrate_with(integrand, A, B, tolerances, list) over LIMIT subintervals, F called through f_adapter,
+// then packs and sorts W and IW and reports the outcome.
 template <class R, class Adapter, class Function, class Integrate>
-void integrate(frame::ErrorBuffer& err, int64_t limit, Integrate integrate_with, Adapter f_adapter, Function f,
-               const double* a, const double* b, const double* epsabs, const double* epsrel, double* result,
+void integrate(frame::ErrorBuffer& err, int64_t limit, Integrate integrate_with, Adapter own_adapter, Adapter f_adapter,
+               Function f, const double* a, const double* b, const double* epsabs, const double* epsrel, double* result,
                double* abserr, double* w, const int64_t* lw, int64_t* iw, const int64_t* liw, int64_t* iuser,
                double* ruser) {
-  auto integrand = [=](double x) { return f_adapter(f, &x, iuser, ruser); };
   zeros_quad::IntervalList list(w, iw, limit);
-  const zeros_quad::QuadratureOutcome out = integrate_with(integrand, *a, *b, {*epsabs, *epsrel}, list);
+  zeros_quad::QuadratureOutcome out;
+  if (f_adapter == own_adapter) {
+    // The library's own adapter only calls F: F is called directly, a call less at every abscissa.
+    auto integrand = [=](double x) { return f(&x, iuser, ruser); };
+    out = integrate_with(integrand, *a, *b, {*epsabs, *epsrel}, list);
+  } else {
+    auto integrand = [=](double x) { return f_adapter(f, &x, iuser, ruser); };
+    out = integrate_with(integrand, *a, *b, {*epsabs, *epsrel}, list);
+  }
   list.pack_sorted(*lw);
   *result = out.result;
   *abserr = out.abserr;
@@ -62,14 +69,14 @@ void d01ajf::run(frame::ErrorBuffer& err, vek_d01ajf_f_adapter f_adapter, vek_d0
                  const double* b, const double* epsabs, const double* epsrel, double* result, double* abserr, double* w,
                  const int64_t* lw, int64_t* iw, const int64_t* liw, int64_t* iuser, double* ruser) {
   integrate<d01ajf>(err, std::min(*lw / 4, *liw), with_rule(zeros_quad::kKronrod21, zeros_quad::integrate_extrapolated),
-                    f_adapter, f, a, b, epsabs, epsrel, result, abserr, w, lw, iw, liw, iuser, ruser);
+                    d01ajf_fh_, f_adapter, f, a, b, epsabs, epsrel, result, abserr, w, lw, iw, liw, iuser, ruser);
 }
 
 void d01akf::run(frame::ErrorBuffer& err, vek_d01akf_f_adapter f_adapter, vek_d01akf_f_fn f, const double* a,
                  const double* b, const double* epsabs, const double* epsrel, double* result, double* abserr, double* w,
                  const int64_t* lw, int64_t* iw, const int64_t* liw, int64_t* iuser, double* ruser) {
   integrate<d01akf>(err, std::min(*lw / 4, *liw), with_rule(zeros_quad::kKronrod61, zeros_quad::integrate_plain),
-                    f_adapter, f, a, b, epsabs, epsrel, result, abserr, w, lw, iw, liw, iuser, ruser);
+                    d01akf_fh_, f_adapter, f, a, b, epsabs, epsrel, result, abserr, w, lw, iw, liw, iuser, ruser);
 }
 
 // The break-points are checked and sorted; LIMIT = min(LW/4, LIW/2), and IW(LIMIT+1..2*LIMIT) holds the levels.
@@ -92,8 +99,8 @@ void d01alf::run(frame::ErrorBuffer& err, vek_d01alf_f_adapter f_adapter, vek_d0
                               zeros_quad::IntervalList& list) {
     return zeros_quad::integrate_with_breakpoints(rule, s, t, sorted, tol, list, iw + limit);
   };
-  integrate<d01alf>(err, limit, with_rule(zeros_quad::kKronrod21, from_breakpoints), f_adapter, f, a, b, epsabs, epsrel,
-                    result, abserr, w, lw, iw, liw, iuser, ruser);
+  integrate<d01alf>(err, limit, with_rule(zeros_quad::kKronrod21, from_breakpoints), d01alf_fh_, f_adapter, f, a, b,
+                    epsabs, epsrel, result, abserr, w, lw, iw, liw, iuser, ruser);
 }
 
 }  // namespace vek::routines
