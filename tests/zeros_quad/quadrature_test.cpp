@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "frame/text.h"
+#include "layers/d01.h"
 #include "quadrature_integrands.h"
 #include "support/report.h"
 #include "vek.h"
@@ -190,6 +191,29 @@ TEST(Quadrature, AgreesWithGslAndReversesLimits) {
 }
 
 const std::string kRoutines[] = {"d01ajf", "d01akf", "d01alf"};
+
+int64_t g_adapter_calls = 0;
+double counting_adapter(vek_d01ajf_f_fn fn, const double* x, int64_t* iuser, double* ruser) {
+  ++g_adapter_calls;
+  return fn(x, iuser, ruser);
+}
+
+// A host that hands the worker an adapter of its own has every call of F made through it.
+TEST(Quadrature, HostAdapter) {
+  const Outcome entry = integrate("d01ajf", qi_peak, 3, 0, 1, 0, 1e-10, 400, 100);
+  int64_t iuser[1] = {0}, lw = 400, liw = 100, ierr = 0;
+  double ruser[1] = {3}, a = 0, b = 1, epsabs = 0, epsrel = 1e-10, result = 0, abserr = 0;
+  std::vector<double> w(400);
+  std::vector<int64_t> iw(100);
+  char errbuf[200];
+  g_integrand = qi_peak, g_iuser = iuser, g_ruser = ruser;
+  d01ajfn_(counting_adapter, user_f, &a, &b, &epsabs, &epsrel, &result, &abserr, w.data(), &lw, iw.data(), &liw, iuser,
+           ruser, errbuf, &ierr, 200);
+  EXPECT_EQ(ierr, 0);
+  EXPECT_EQ(result, entry.result);
+  EXPECT_EQ(iuser[0], entry.evaluations);
+  EXPECT_EQ(g_adapter_calls, entry.evaluations);
+}
 
 // The edge cases of both routines: workspace too small before any evaluation, LIMIT = 1, A = B, negative
 // tolerances, integrands with NaN or infinite values.
