@@ -1,6 +1,7 @@
 // The continuation stepper, one evaluation per call (continuation.h). Every test that decides between two
 // paths is written so that a NaN takes the path that ends or fails the step, and every loop is bounded by a
-// count of its own, whatever the caller leaves in C.
+// count of its own; the counts kept in C end the run when they are out of range, whatever the caller leaves
+// there, so that a run never goes on for ever.
 #include "zeros_quad/continuation.h"
 
 #include <algorithm>
@@ -49,7 +50,7 @@ void accept(ContinuationState s, double x, double f) {
 // The next step from the accepted point: asks for its first point (the Euler predictor), or ends the run. A
 // first point that is not finite, or equal to xa, fails the step at once without an evaluation.
 ContinuationStep begin_step(ContinuationState s, double& x, int64_t& ind) {
-  for (int64_t tries = 0; tries < kMaxSteps && s.steps() < kMaxSteps; ++tries) {
+  for (int64_t tries = 0; tries < kMaxSteps && s.steps() >= 0.0 && s.steps() < kMaxSteps; ++tries) {
     s.steps() += 1;
     const double theta = abs_theta(s);
     const bool final = !(s.dtheta() < theta);
@@ -116,7 +117,8 @@ ContinuationStep path_value(ContinuationState s, double& x, double fk, const Sto
   }
   const double next = xk - residual / s.slope();
   if (final && next == xk) return end(ind, Outcome::tolerance_too_small);
-  if (!(s.k() < (final ? kFinalEvaluations : kPathEvaluations)) || !std::isfinite(next) || next == xk) {
+  const double limit = final ? kFinalEvaluations : kPathEvaluations;
+  if (!(s.k() > 0.0 && s.k() < limit) || !std::isfinite(next) || next == xk) {
     if (final) accept(s, xk, fk);
     return fail_step(s, x, ind);
   }
