@@ -32,4 +32,26 @@ inline void expect_report(const std::function<void(int64_t*)>& call, int64_t ifa
   EXPECT_EQ(out, soft_report(records, routine, ifail_expected)) << routine;
 }
 
+// One failure of a routine: what is tried, the IFAIL expected, the records as declared (without the leading
+// blank) and the call, given the IFAIL to pass.
+struct ReportCase {
+  std::string what;
+  int64_t ifail;
+  std::vector<std::string> records;
+  std::function<void(int64_t*)> call;
+};
+
+// Each case: the report printed with IFAIL = -1, and nothing printed with IFAIL = 1; the same IFAIL from both.
+inline void expect_reports(const std::string& routine, const std::vector<ReportCase>& cases) {
+  for (const ReportCase& c : cases) {
+    SCOPED_TRACE(c.what);
+    std::vector<std::string> printed;
+    for (const std::string& r : c.records) printed.push_back(" " + r);
+    expect_report(c.call, c.ifail, printed, routine);
+    int64_t ifail = 1;  // soft and silent
+    EXPECT_TRUE(console_lines([&] { c.call(&ifail); }).empty());
+    EXPECT_EQ(ifail, c.ifail);
+  }
+}
+
 }  // namespace vek::testing

@@ -13,25 +13,6 @@
 
 namespace {
 
-struct Case {
-  std::string what;
-  int64_t ifail;
-  std::vector<std::string> records;     // as declared, without the leading blank
-  std::function<void(int64_t*)> call;   // calls the routine with the given IFAIL
-};
-
-void check_cases(const std::string& routine, const std::vector<Case>& cases) {
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
-    std::vector<std::string> printed;
-    for (const std::string& r : c.records) printed.push_back(" " + r);
-    vek::testing::expect_report(c.call, c.ifail, printed, routine);
-    int64_t ifail = 1;  // soft and silent
-    EXPECT_TRUE(vek::testing::console_lines([&] { c.call(&ifail); }).empty());
-    EXPECT_EQ(ifail, c.ifail);
-  }
-}
-
 double square_minus_two(double x) { return x * x - 2.0; }
 
 // Runs c05azf from IND = 1 on f, from the points x and y, until IND = 0, calling with the given IFAIL each
@@ -79,7 +60,7 @@ TEST(ZeroMessages, KernelEveryMessage) {
       "** in extreme cases when [X,Y] contains a zero, or it may not be taken",
       "** when [X,Y] contains a pole.",
       "** Both these cases occur most frequently when TOLX is large."};
-  check_cases("C05AZF", {
+  vek::testing::expect_reports("C05AZF", {
       {"same sign, values given", 1,
        {"** On entry, f(X) and f(Y) have the same sign with neither equalling 0.0:", "** f(X) = 2 and f(Y) = 7"},
        [](int64_t* f) {
@@ -124,7 +105,7 @@ TEST(ZeroMessages, KernelEveryMessage) {
 }
 
 TEST(ZeroMessages, DriverEveryMessage) {
-  check_cases("C05AYF", {
+  vek::testing::expect_reports("C05AYF", {
       {"EPS = 0", 1, {"** On entry, EPS = 0", "** Constraint: EPS > 0.0."},
        [](int64_t* f) {
          const double a = 1.0, b = 2.0, eps = 0.0, eta = 0.0;
@@ -216,7 +197,7 @@ void near_call(double x, double h, double eps, double (*f)(const double*, int64_
 }  // namespace
 
 TEST(ZeroMessages, SearchAndNearEveryMessage) {
-  check_cases("C05AVF", {
+  vek::testing::expect_reports("C05AVF", {
       {"bounds reversed", 1, {"** On entry, BOUNDL = 1 and", "** BOUNDU = 1", "** Constraint: BOUNDL < BOUNDU."},
        [](int64_t* f) { search_call(1.0, 0.1, 1.0, 1.0, 1, f); }},
       {"X outside, before a bad H", 1,
@@ -244,7 +225,7 @@ TEST(ZeroMessages, SearchAndNearEveryMessage) {
          EXPECT_LE(x, y);
        }},
   });
-  check_cases("C05AUF", {
+  vek::testing::expect_reports("C05AUF", {
       {"EPS = 0", 1, {"** On entry, EPS = 0", "** Constraint: EPS > 0.0."},
        [](int64_t* f) { near_call(1.0, 0.0, 0.0, counted_square_minus_two, f); }},
       {"H too small", 1, {"** On entry, X = 1 and H = 0", "** Constraint: X+H /= X (to machine accuracy)."},
