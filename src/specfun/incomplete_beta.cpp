@@ -20,6 +20,7 @@
 
 #include "frame/constants.h"
 #include "specfun/incomplete_beta_asymptotic.h"
+#include "specfun/incomplete_beta_parts.h"
 #include "specfun/incomplete_beta_skewed.h"
 #include "specfun/log1pmx.h"
 #include "specfun/specfun.h"
@@ -37,10 +38,6 @@ constexpr double kTiny = 1e-5;
 // to 1e-2. kSmallTerms Taylor terms suffice there.
 constexpr double kSmall = 1e-2;
 constexpr int kSmallTerms = 10;
-// Temme's expansion is used for a, b >= kAsymptoticMin and |a - (a + b) x| <= kAsymptoticWidth min(a, b)
-// (DiDonato and Morris's region; the fraction converges slowly and cancels there).
-constexpr double kAsymptoticMin = 100.0;
-constexpr double kAsymptoticWidth = 0.03;
 // The largest absolute difference between 1 - I and the separately evaluated complement that is accepted
 // (I is within 32 ulps, so 1 - I is within 4e-15 of it).
 constexpr double kComplementAgreement = 1e-13;
@@ -71,33 +68,47 @@ long double log_inverse_beta_mixed(double a, double b) {
   return shift - std::log(static_cast<long double>(gamma(b)));
 }
 
+// ln x and ln y in long double from the exact one of x, y (the one not above 1/2; the other may be rounded).
+struct LogXY {
+  long double x;
+  long double y;
+};
+LogXY log_xy(double x, double y) {
+  const long double lx = x, ly = y;
+  return {x <= 0.5 ? std::log(lx) : std::log1p(-ly), y <= 0.5 ? std::log(ly) : std::log1p(-lx)};
+}
+
+// -ln B(a, b) in long double, for parameters above the tiny ones.
+long double log_inverse_beta(double a, double b) {
+  if (a < 10.0 && b < 10.0) return -std::log(static_cast<long double>(beta(a, b)));
+  return a >= 10.0 ? log_inverse_beta_mixed(a, b) : log_inverse_beta_mixed(b, a);
+}
+
+// ln(x^a y^b / B(a, b)) for a, b >= 10: ln sqrt(ab / 2pi c) - a D(u) - b D(v) + the Stirling remainders.
+long double log_power_terms_large(double a, double b, double x, double y) {
+  const long double la = a, lb = b, lx = x, ly = y, c = la + lb;
+  // x c - a = x b - y a = -(y c - b), from the exact one of x, y.
+  const long double diff = x <= 0.5 ? lx * c - la : lb - ly * c;
+  return 0.5L * std::log(la / (2.0L * std::numbers::pi_v<long double>) * (lb / c)) +
+         scaled_log_term(la, diff / la, lx, c, diff) + scaled_log_term(lb, -diff / lb, ly, c, -diff) +
+         (stirling_remainder(a + b) - stirling_remainder(a) - stirling_remainder(b));
+}
+
 // x^a y^b / B(a, b), where x + y = 1 and the one of x, y not above 1/2 is exact (the other may be rounded).
 // Exponents are formed and exponentiated in long double, so their rounding (|exponent| ulps in double) stays
 // below one final rounding.
 double power_terms(double a, double b, double x, double y) {
-  const long double la = a, lb = b, lx = x, ly = y;
-  if (a >= 10.0 && b >= 10.0) {
-    const long double c = la + lb;
-    // x c - a = x b - y a = -(y c - b), from the exact one of x, y.
-    const long double diff = x <= 0.5 ? lx * c - la : lb - ly * c;
-    const long double exponent = scaled_log_term(la, diff / la, lx, c, diff) +
-                                 scaled_log_term(lb, -diff / lb, ly, c, -diff) +
-                                 stirling_remainder(a + b) - stirling_remainder(a) - stirling_remainder(b);
-    return static_cast<double>(std::sqrt(la / (2.0L * std::numbers::pi_v<long double>) * (lb / c)) *
-                               std::exp(exponent));
-  }
+  if (a >= 10.0 && b >= 10.0) return static_cast<double>(std::exp(log_power_terms_large(a, b, x, y)));
   // pow on the exact one of x, y (the one not above 1/2) is correctly rounded within an ulp or so, where
   // exp(a ln x) would turn the rounding of a ln x into |a ln x| ulps.
-  const long double log_x = x <= 0.5 ? std::log(lx) : std::log1p(-ly);
-  const long double log_y = y <= 0.5 ? std::log(ly) : std::log1p(-lx);
-  const double xa = x <= 0.5 ? std::pow(x, a) : static_cast<double>(std::exp(la * log_x));
-  const double yb = y <= 0.5 ? std::pow(y, b) : static_cast<double>(std::exp(lb * log_y));
-  const long double log_inverse_beta = a < 10.0 && b < 10.0 ? -std::log(static_cast<long double>(beta(a, b)))
-                                      : a >= 10.0 ? log_inverse_beta_mixed(a, b)
-                                                  : log_inverse_beta_mixed(b, a);
-  const long double direct = static_cast<long double>(xa) * yb * std::exp(log_inverse_beta);
+  const long double la = a, lb = b;
+  const LogXY lg = log_xy(x, y);
+  const double xa = x <= 0.5 ? std::pow(x, a) : static_cast<double>(std::exp(la * lg.x));
+  const double yb = y <= 0.5 ? std::pow(y, b) : static_cast<double>(std::exp(lb * lg.y));
+  const long double lib = log_inverse_beta(a, b);
+  const long double direct = static_cast<long double>(xa) * yb * std::exp(lib);
   if (direct > 0x1p-1000L && direct < 0x1p1000L) return static_cast<double>(direct);
-  return static_cast<double>(std::exp(la * log_x + lb * log_y + log_inverse_beta));
+  return static_cast<double>(std::exp(la * lg.x + lb * lg.y + lib));
 }
 
 // 1/(a B(a, b)) = Gamma(a + b)/(Gamma(1 + a) Gamma(b)) = ratio e^g for a <= max(kSmall, kTiny b), with g small: from
@@ -121,19 +132,29 @@ InverseABeta inverse_a_beta(double a, double b) {
   return {b >= 1.0 ? 1.0 : b / (a + b), sum - lgamma1p(a)};
 }
 
-// x^a y^b / (a B(a, b)) when a or b is below kTiny (relative to the other when that exceeds 1), from
-// 1/(a B(a, b)) above or (b/a) / (b B(b, a)); B, which overflows for subnormal parameters, is never formed.
+// The tiny-parameter forms below apply when min(a, b) <= kTiny; a is the tiny one when a <= kTiny max(b, 1).
+bool tiny_parameter(double a, double b) { return std::min(a, b) <= kTiny; }
+bool a_is_tiny(double a, double b) { return a <= kTiny * std::max(b, 1.0); }
+
+// ln(x^a y^b / (a B(a, b))) for a tiny parameter, from 1/(a B(a, b)) above or (b/a) / (b B(b, a)).
+long double log_power_terms_over_a_tiny(double a, double b, double x, double y) {
+  const bool a_tiny = a_is_tiny(a, b);
+  const InverseABeta f = a_tiny ? inverse_a_beta(a, b) : inverse_a_beta(b, a);
+  const long double la = a, lb = b;
+  const LogXY lg = log_xy(x, y);
+  const long double log_ratio =
+      std::log(static_cast<long double>(f.ratio)) + (a_tiny ? 0.0L : std::log(lb) - std::log(la));
+  return la * lg.x + lb * lg.y + f.g + log_ratio;
+}
+
+// x^a y^b / (a B(a, b)) when a or b is below kTiny (relative to the other when that exceeds 1); B, which
+// overflows for subnormal parameters, is never formed.
 double power_terms_over_a_tiny(double a, double b, double x, double y) {
-  const bool a_tiny = a <= kTiny * std::max(b, 1.0);
+  const bool a_tiny = a_is_tiny(a, b);
   const InverseABeta f = a_tiny ? inverse_a_beta(a, b) : inverse_a_beta(b, a);
   const double direct = std::pow(x, a) * std::pow(y, b) * (f.ratio * std::exp(f.g)) * (a_tiny ? 1.0 : b / a);
   if (direct > 0x1p-1000 && direct < HUGE_VAL) return direct;
-  const long double la = a, lb = b;
-  const long double log_x = x <= 0.5 ? std::log(static_cast<long double>(x)) : std::log1p(-static_cast<long double>(y));
-  const long double log_y = y <= 0.5 ? std::log(static_cast<long double>(y)) : std::log1p(-static_cast<long double>(x));
-  const long double log_ratio =
-      std::log(static_cast<long double>(f.ratio)) + (a_tiny ? 0.0L : std::log(lb) - std::log(la));
-  return static_cast<double>(std::exp(la * log_x + lb * log_y + f.g + log_ratio));
+  return static_cast<double>(std::exp(log_power_terms_over_a_tiny(a, b, x, y)));
 }
 
 // 1 - I_x(a, b) for a below kSmall where I_x(a, b) is near 1 (x < (a + 1)/(a + b + 2)), from the power series
@@ -152,9 +173,11 @@ double complement_small_a(double a, double b, double x) {
   return -std::expm1(exponent) - std::exp(exponent) * a * s;
 }
 
-// I_x(a, b) by the continued fraction, for x below the mean-like point (a + 1)/(a + b + 2).
+}  // namespace
 
-double fraction(double a, double b, double x, double y, bool& converged) {
+// The continued fraction's value h (I_x(a, b) = h x^a y^b / (a B(a, b))), for x below the mean-like point
+// (a + 1)/(a + b + 2).
+long double beta_inc_fraction(double a, double b, double x, double y, bool& converged) {
   // Near the mean the fraction needs about 4.5 max(a, b)^(1/3) terms (850000 at a = b = 1e16); beyond the
   // bound the normal approximation, whose error (a + b)^(-1/2) is as small as the fraction's there, is used.
   const int limit = static_cast<int>(std::min(1.0e6, 200.0 + 30.0 * std::sqrt(std::max(a, b))));
@@ -192,8 +215,26 @@ double fraction(double a, double b, double x, double y, bool& converged) {
       break;
     }
   }
-  if (std::min(a, b) <= kTiny) return power_terms_over_a_tiny(a, b, x, y) * static_cast<double>(h);
-  return power_terms(a, b, x, y) * static_cast<double>(h / la);
+  return h;
+}
+
+// ln(x^a y^b / (a B(a, b))), the logarithm of the power terms above, in long double: every exponent is formed
+// there before any exponentiation, so it is finite wherever the power terms underflow.
+long double beta_inc_log_prefix(double a, double b, double x, double y) {
+  if (tiny_parameter(a, b)) return log_power_terms_over_a_tiny(a, b, x, y);
+  const long double log_a = std::log(static_cast<long double>(a));
+  if (a >= 10.0 && b >= 10.0) return log_power_terms_large(a, b, x, y) - log_a;
+  const LogXY lg = log_xy(x, y);
+  return static_cast<long double>(a) * lg.x + static_cast<long double>(b) * lg.y + log_inverse_beta(a, b) - log_a;
+}
+
+namespace {
+
+// I_x(a, b) by the continued fraction, for x below the mean-like point (a + 1)/(a + b + 2).
+double fraction(double a, double b, double x, double y, bool& converged) {
+  const long double h = beta_inc_fraction(a, b, x, y, converged);
+  if (tiny_parameter(a, b)) return power_terms_over_a_tiny(a, b, x, y) * static_cast<double>(h);
+  return power_terms(a, b, x, y) * static_cast<double>(h / a);
 }
 
 // I_x(a, b) ~ Phi((x - mean) / sd) with the mean a/(a + b) and variance mean (1 - mean) / (a + b + 1).

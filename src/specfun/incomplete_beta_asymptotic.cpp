@@ -54,14 +54,20 @@ long double beta_inc_lambda(double a, double b, double x, double y) {
   return lambda / scale;
 }
 
-double beta_inc_asymptotic(double a, double b, long double lambda) {
+namespace {
+
+// I_x(a, b) = scale e^-f, kept apart so that its logarithm is finite where e^-f underflows.
+struct Asymptotic {
+  long double f;
+  long double scale;
+};
+
+Asymptotic asymptotic_parts(double a, double b, long double lambda) {
   const long double la = a, lb = b;
   // 2/sqrt(pi) and 2^(-3/2).
   constexpr long double e0 = 2.0L / 1.772453850905516027298167483341145182798L;
   constexpr long double e1 = 0.3535533905932737622004221810524245196424L;
   const long double f = la * log1pmx_neg(-lambda / la) + lb * log1pmx_neg(lambda / lb);
-  const long double t = std::exp(-f);
-  if (t == 0.0L) return 0.0;
   const long double z0 = std::sqrt(f);
   const long double z = 0.5L * (z0 / e1);
   const long double z2 = f + f;
@@ -121,7 +127,19 @@ double beta_inc_asymptotic(double a, double b, long double lambda) {
   }
   const long double bcorr = static_cast<long double>(stirling_remainder(a)) + stirling_remainder(b) -
                             stirling_remainder(a + b);
-  return static_cast<double>(e0 * t * std::exp(-bcorr) * sum);
+  return {f, e0 * std::exp(-bcorr) * sum};
+}
+
+}  // namespace
+
+double beta_inc_asymptotic(double a, double b, long double lambda) {
+  const Asymptotic r = asymptotic_parts(a, b, lambda);
+  return static_cast<double>(std::exp(-r.f) * r.scale);
+}
+
+long double beta_inc_asymptotic_log(double a, double b, long double lambda) {
+  const Asymptotic r = asymptotic_parts(a, b, lambda);
+  return std::log(r.scale) - r.f;
 }
 
 }  // namespace vek::specfun

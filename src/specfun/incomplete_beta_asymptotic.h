@@ -10,5 +10,7 @@ long double beta_inc_lambda(double a, double b, double x, double y);
 // I_x(a, b) for a, b >= 100 and 0 <= lambda <= 0.03 min(a, b) (x at or below the mean), by Temme's uniform
 // asymptotic expansion; lambda from beta_inc_lambda.
 double beta_inc_asymptotic(double a, double b, long double lambda);
+// Its natural logarithm, finite where I_x(a, b) underflows.
+long double beta_inc_asymptotic_log(double a, double b, long double lambda);
 
 }  // namespace vek::specfun

@@ -104,6 +104,16 @@ struct BetaInc {
 };
 BetaInc beta_inc_pair(double a, double b, double x);  // outside the domain or NaN -> {NaN, NaN, true}
 double beta_inc(double a, double b, double x);
+// ln I_x(a, b) and ln(1 - I_x(a, b)), each to a few ulps, finite far beyond the underflow of I or 1 - I (to
+// logarithms near -1e308); x = 0 or 1 and infinite parameters give -inf and 0 at the ends, as the values do.
+// Arguments as beta_inc_pair (NaN outside the domain).
+struct BetaIncLog {
+  double log_w;
+  double log_w1;
+  double w;   // the values themselves, as beta_inc_pair gives them
+  double w1;
+};
+BetaIncLog beta_inc_log(double a, double b, double x);
 // dI_x(a, b)/dx = x^(a-1) (1-x)^(b-1) / B(a, b), the beta density, for a, b > 0, 0 < x < 1 (NaN outside).
 double beta_inc_derivative(double a, double b, double x);
 // The x in [0, 1] with I_x(a, b) = p and 1 - I_x(a, b) = q, and y = 1 - x formed without cancellation (the

@@ -79,6 +79,7 @@ double bivariate_normal_upper(double h, double k, double r) {
   if (h == -std::numeric_limits<double>::infinity()) return normal_upper(k);
   if (k == -std::numeric_limits<double>::infinity()) return normal_upper(h);
   const double p = std::fabs(r) < 0.925 ? moderate_correlation(h, k, r) : strong_correlation(h, k, r);
+  if (p < kBivariateTailRoute && std::fabs(r) < 1.0) return bivariate_normal_upper_tail(h, k, r);
   return std::clamp(p, 0.0, 1.0);
 }
 

@@ -19,4 +19,10 @@ Tails binomial_tails(int64_t k, int64_t n, double p);
 // items of which `marked` are marked (0 <= sample, marked <= population).
 Tails hypergeometric_tails(int64_t k, int64_t population, int64_t sample, int64_t marked);
 
+// Deviates: the smallest k with P(X <= k) >= prob (tail lower) or P(X > k) <= prob (tail upper), 0 < prob < 1,
+// the tails being the functions above; parameters as there (the Poisson mean finite).
+int64_t binomial_deviate(Tail tail, double prob, int64_t n, double p);
+int64_t poisson_deviate(Tail tail, double prob, double lambda);
+int64_t hypergeometric_deviate(Tail tail, double prob, int64_t population, int64_t sample, int64_t marked);
+
 }  // namespace vek::stats

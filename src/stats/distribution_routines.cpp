@@ -77,4 +77,19 @@ double g01fkf::run(frame::ErrorBuffer&, const char* tail, const double* p, const
   return stats::lognormal_deviate(stats::tail_of(tail, tail_len), *p, *xmu, *sigma);
 }
 
+int64_t g01bmf::run(frame::ErrorBuffer&, const char* tail, const int64_t* n, const double* p, const double* prob,
+                    int64_t tail_len) {
+  return stats::binomial_deviate(stats::tail_of(tail, tail_len), *prob, *n, *p);
+}
+
+int64_t g01bnf::run(frame::ErrorBuffer&, const char* tail, const double* rlamda, const double* prob,
+                    int64_t tail_len) {
+  return stats::poisson_deviate(stats::tail_of(tail, tail_len), *prob, *rlamda);
+}
+
+int64_t g01bpf::run(frame::ErrorBuffer&, const char* tail, const int64_t* n, const int64_t* l, const int64_t* m,
+                    const double* prob, int64_t tail_len) {
+  return stats::hypergeometric_deviate(stats::tail_of(tail, tail_len), *prob, *n, *l, *m);
+}
+
 }  // namespace vek::routines

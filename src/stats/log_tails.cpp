@@ -23,7 +23,104 @@ double log_upper(double x) {
   return std::log1p(-normal_probability(Tail::lower, x));
 }
 
+// A tail that is the incomplete beta I_t(p, q) with t below this (formed in long double, where it may lie far
+// below the doubles) is its leading term t^p / (p B(p, q)) (the series I_t = t^p (1 - t)^q / (p B(p, q)) 2F1(p + q,
+// 1; p + 1; t) without its next term, (p + q) t / (p + 1) relative) where (p + q) t is below kNegligibleTerm.
+constexpr double kTinyArgument = 1e-290;
+constexpr double kNegligibleTerm = 1e-20;
+
+bool leading_term_applies(long double t, double p, double q) {
+  return t < kTinyArgument && (static_cast<long double>(p) + q) * t < kNegligibleTerm;
+}
+long double log_leading_term(long double log_t, double p, double q) {
+  return p * log_t - std::log(static_cast<long double>(p)) - specfun::lbeta(p, q);
+}
+
+// The logarithms of the lower and upper tails from those of I_t(p, q) at the smaller argument: lower_is_w says
+// whether I is the lower tail.
+struct LogTails {
+  double lower;
+  double upper;
+};
+LogTails from_beta(const specfun::BetaIncLog& r, bool lower_is_w) {
+  return lower_is_w ? LogTails{r.log_w, r.log_w1} : LogTails{r.log_w1, r.log_w};
+}
+
+// ln P(|T| >= |t|), ln P(|T| <= |t|), and P(|T| >= |t|) itself (0 where it underflows).
+struct TwoSidedLog {
+  double log_beyond;
+  double log_within;
+  double beyond;
+};
+
+TwoSidedLog t_two_sided_log(double t, double df) {
+  const double at = std::fabs(t);
+  if (std::isnan(at) || std::isnan(df)) return {std::nan(""), std::nan(""), std::nan("")};
+  if (std::isinf(df)) {
+    return {normal_log_probability(Tail::significance, at), normal_log_probability(Tail::central, at),
+            normal_probability(Tail::significance, at)};
+  }
+  if (at == 0.0) return {0.0, -HUGE_VAL, 1.0};
+  if (std::isinf(at)) return {-HUGE_VAL, 0.0, 0.0};
+  const double a = 0.5 * df;
+  // The two-sided tail is I_x(df/2, 1/2), x = df/(df + t^2); x and y = t^2/(df + t^2) each as its own quotient
+  // in long double, whose exponent range holds t^2 for every double t; the leading term from ln x = ln df -
+  // 2 ln|t| - log1p(df/t^2).
+  const long double tt = static_cast<long double>(at) * at, x = df / (df + tt), y = tt / (df + tt);
+  if (leading_term_applies(x, a, 0.5)) {
+    const long double lb = log_leading_term(std::log(static_cast<long double>(df)) - 2.0L * std::log(static_cast<long double>(at)), a, 0.5);
+    return {static_cast<double>(lb), static_cast<double>(-std::exp(lb)), static_cast<double>(std::exp(lb))};
+  }
+  if (x <= 0.5) {
+    const specfun::BetaIncLog r = specfun::beta_inc_log(a, 0.5, static_cast<double>(x));
+    return {r.log_w, r.log_w1, r.w};
+  }
+  const specfun::BetaIncLog r = specfun::beta_inc_log(0.5, a, static_cast<double>(y));
+  return {r.log_w1, r.log_w, r.w1};
+}
+
 }  // namespace
+
+double t_log_probability(Tail tail, double t, double df) {
+  const TwoSidedLog s = t_two_sided_log(t, df);
+  // The one-sided tail on the far side is half the two-sided one; on the near side 1 minus that half, from the
+  // value while it is in the normal range, else from its logarithm.
+  const double half = s.beyond >= 0x1p-1000 ? 0.5 * s.beyond : 0.5 * std::exp(s.log_beyond);
+  switch (tail) {
+    case Tail::significance: return s.log_beyond;
+    case Tail::central: return s.log_within;
+    case Tail::upper: return t >= 0.0 ? s.log_beyond - std::numbers::ln2 : std::log1p(-half);
+    case Tail::lower: return t <= 0.0 ? s.log_beyond - std::numbers::ln2 : std::log1p(-half);
+  }
+  return std::nan("");
+}
+
+double f_log_tail(bool lower, double f, double df1, double df2) {
+  if (std::isnan(f) || std::isnan(df1) || std::isnan(df2)) return std::nan("");
+  if (std::isinf(df1) && std::isinf(df2)) return (f >= 1.0) == lower ? 0.0 : -HUGE_VAL;
+  if (std::isinf(df2)) return gamma_log_tail(lower, df1 * f, 0.5 * df1, 2.0);  // df1 F is chi-square
+  if (std::isinf(df1)) return gamma_log_tail(!lower, df2 / f, 0.5 * df2, 2.0);  // df2 / F is chi-square
+  if (std::isinf(f)) return lower ? 0.0 : -HUGE_VAL;
+  // x = df1 f/(df1 f + df2) and y = df2/(df1 f + df2) in long double: I_x(df1/2, df2/2) is the lower tail.
+  const double a = 0.5 * df1, b = 0.5 * df2;
+  const long double u = static_cast<long double>(df1) * f, x = u / (u + df2), y = df2 / (u + df2);
+  if (leading_term_applies(x, a, b)) {  // ln x = ln(df1 f) - log1p(df1 f / df2) - ln df2, the log1p negligible
+    const long double ll = log_leading_term(std::log(u) - std::log(static_cast<long double>(df2)), a, b);
+    return lower ? static_cast<double>(ll) : static_cast<double>(-std::exp(ll));
+  }
+  if (leading_term_applies(y, b, a)) {
+    const long double lu = log_leading_term(std::log(static_cast<long double>(df2)) - std::log(u), b, a);
+    return lower ? static_cast<double>(-std::exp(lu)) : static_cast<double>(lu);
+  }
+  const LogTails r = x <= 0.5 ? from_beta(specfun::beta_inc_log(a, b, static_cast<double>(x)), true)
+                              : from_beta(specfun::beta_inc_log(b, a, static_cast<double>(y)), false);
+  return lower ? r.lower : r.upper;
+}
+
+double beta_log_tail(bool lower, double x, double a, double b) {
+  const specfun::BetaIncLog r = specfun::beta_inc_log(a, b, x);
+  return lower ? r.log_w : r.log_w1;
+}
 
 double normal_log_probability(Tail tail, double x) {
   switch (tail) {

@@ -127,6 +127,36 @@ TEST(DistributionMessages, DeviatesCheckTailThenPThenParameters) {
                 {" ** On entry, SIGMA = -1.", " ** Constraint: SIGMA > 0.0."}, "G01FKF");
 }
 
+TEST(DistributionMessages, DiscreteDeviatesAndLogTails) {
+  char bad = 'C', lu = 'U';
+  double half = 0.5, zero = 0.0, one = 1.0, neg = -1.0, two = 2.0, huge = 2e15;
+  int64_t n = 10, nneg = -3, l = 4, big = 12;
+  const std::string kProb0 = " ** Constraint: PROB > 0.0.", kProb1 = " ** Constraint: PROB < 1.0.";
+  // TAIL, then PROB (open at both ends), then the parameters in their order.
+  expect_report([&](int64_t* f) { g01bmf_(&bad, &nneg, &neg, &zero, f, 1); }, 1, {kTail + "C'"}, "G01BMF");
+  expect_report([&](int64_t* f) { g01bmf_(&lu, &nneg, &neg, &zero, f, 1); }, 2,
+                {" ** On entry, PROB = 0.", kProb0}, "G01BMF");
+  expect_report([&](int64_t* f) { g01bmf_(&lu, &nneg, &neg, &half, f, 1); }, 3,
+                {" ** On entry, N = -3.", " ** Constraint: N >= 0."}, "G01BMF");
+  expect_report([&](int64_t* f) { g01bmf_(&lu, &n, &two, &half, f, 1); }, 3,
+                {" ** On entry, P = 2.", " ** Constraint: P <= 1.0."}, "G01BMF");
+  expect_report([&](int64_t* f) { g01bnf_(&lu, &neg, &one, f, 1); }, 2, {" ** On entry, PROB = 1.", kProb1}, "G01BNF");
+  expect_report([&](int64_t* f) { g01bnf_(&lu, &huge, &half, f, 1); }, 3,
+                {" ** On entry, RLAMDA = 2e+15.", " ** Constraint: 0.0 <= RLAMDA <= 1.0e15."}, "G01BNF");
+  expect_report([&](int64_t* f) { g01bpf_(&lu, &n, &big, &l, &half, f, 1); }, 3,
+                {" ** On entry, L = 12 and N = 10.", " ** Constraint: 0 <= L <= N."}, "G01BPF");
+  expect_report([&](int64_t* f) { g01bpf_(&lu, &n, &l, &nneg, &half, f, 1); }, 3,
+                {" ** On entry, M = -3 and N = 10.", " ** Constraint: 0 <= M <= N."}, "G01BPF");
+  // The logarithms of the t, F and beta tails check as G01EBF, G01EDF and G01EEF do.
+  expect_report([&](int64_t* f) { g01etf_(&lu, &one, &zero, f, 1); }, 2,
+                {" ** On entry, DF = 0.", " ** Constraint: DF > 0.0."}, "G01ETF");
+  expect_report([&](int64_t* f) { g01euf_(&bad, &neg, &one, &one, f, 1); }, 1, {kTail + "C'"}, "G01EUF");
+  expect_report([&](int64_t* f) { g01euf_(&lu, &one, &one, &neg, f, 1); }, 3,
+                {" ** On entry, DF2 = -1.", " ** Constraint: DF2 > 0.0."}, "G01EUF");
+  expect_report([&](int64_t* f) { g01evf_(&lu, &two, &one, &one, f, 1); }, 2,
+                {" ** On entry, X = 2.", " ** Constraint: X <= 1.0."}, "G01EVF");
+}
+
 double call(double (*fn)(const char*, const double*, const double*, int64_t*, int64_t), char tail, double x,
             double a) {
   int64_t ifail = 1;

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <functional>
 #include <string>
+#include <tuple>
 
 #include "distribution_table.h"
 #include "vek.h"
@@ -124,13 +125,22 @@ void check_log_tails(RegionErrors& errors) {
       EXPECT_EQ(ok([&](int64_t* f) { return g01erf_(&lc, &r.v[0], f, 1); }), got);
     }
   }
-  const auto gamma = distribution_table("gamma_log.txt");
-  ASSERT_GT(gamma.size(), 20U);
-  for (const auto& r : gamma) {
-    for (size_t k = 0; k < 2; ++k) {
-      const char tail = "LU"[k];
-      const double got = ok([&](int64_t* f) { return g01esf_(&tail, &r.v[0], &r.v[1], &r.v[2], f, 1); });
-      errors.add(r.region, relative_ulps(got, r.v[3 + k]));
+  // The gamma, beta, t and F tables: the point, the parameters, then ln of the tails in the order given.
+  using LogTail = std::function<double(char, const std::vector<double>&, int64_t*)>;
+  const std::vector<std::tuple<std::string, std::string, LogTail>> tables = {
+      {"gamma_log.txt", "LU", [](char t, const auto& v, int64_t* f) { return g01esf_(&t, &v[0], &v[1], &v[2], f, 1); }},
+      {"beta_log.txt", "LU", [](char t, const auto& v, int64_t* f) { return g01evf_(&t, &v[0], &v[1], &v[2], f, 1); }},
+      {"f_log.txt", "LU", [](char t, const auto& v, int64_t* f) { return g01euf_(&t, &v[0], &v[1], &v[2], f, 1); }},
+      {"t_log.txt", "LUCS", [](char t, const auto& v, int64_t* f) { return g01etf_(&t, &v[0], &v[1], f, 1); }}};
+  for (const auto& [file, tails, log_tail] : tables) {
+    const auto rows = distribution_table(file);
+    ASSERT_GT(rows.size(), 20U) << file;
+    for (const auto& r : rows) {
+      const size_t first = r.v.size() - tails.size();
+      for (size_t k = 0; k < tails.size(); ++k) {
+        const double got = ok([&](int64_t* f) { return log_tail(tails[k], r.v, f); });
+        errors.add(r.region, relative_ulps(got, r.v[first + k]));
+      }
     }
   }
 }
