@@ -71,8 +71,15 @@ class Areas {
 };
 
 // The store as the family's initialiser leaves it: every parameter unset and a reset pending, the header
-// due, listing on, the advisory unit the current one.
+// due, listing on, the advisory unit the current one. The kernel of E04WBF, and of every library-global store.
 void initialise(Areas a);
+
+// Areas held by value as the initialiser leaves them: a family's library-global store starts from these.
+SaveAreas initialised_areas();
+
+// What a solver runs on: a copy of the stored areas with a pending reset applied, so that the store itself
+// keeps what the caller set.
+SaveAreas copy_for_start(Areas stored);
 
 // An integer computed by a start rule (128 bits wide) as a parameter holds it: saturated to 64 bits.
 constexpr int64_t saturate(__int128 v) {
