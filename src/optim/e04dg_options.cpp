@@ -8,11 +8,7 @@ Store global_store() {
 }
 
 SaveAreas start_of_solve(Store stored, const Inputs& in, const RecordSink& sink) {
-  SaveAreas copy = copy_for_start(stored);
-  const Store s(copy);
-  apply_defaults(s, in);
-  if (s.print_level() > 0) list_parameters(s, in, sink);
-  return copy;
+  return start_of_family(stored, in, &Store::print_level, sink);
 }
 
 }  // namespace vek::optim::e04dg

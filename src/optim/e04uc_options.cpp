@@ -12,11 +12,7 @@ void after_option_call(Store s) {
 }
 
 SaveAreas start_of_solve(Store stored, const Inputs& in, const RecordSink& sink) {
-  SaveAreas copy = copy_for_start(stored);
-  const Store s(copy);
-  apply_defaults(s, in);
-  if (s.major_print_level() > 0) list_parameters(s, in, sink);
-  return copy;
+  return start_of_family(stored, in, &Store::major_print_level, sink);
 }
 
 }  // namespace vek::optim::e04uc

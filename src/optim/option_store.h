@@ -81,6 +81,18 @@ SaveAreas initialised_areas();
 // keeps what the caller set.
 SaveAreas copy_for_start(Areas stored);
 
+// A solver's start for a family (its generated Store, Inputs, apply_defaults and list_parameters): the copy
+// with every unset or out-of-range parameter given its default, listed on `sink` when the print level in
+// force is positive.
+template <class Store, class Inputs, class Sink>
+SaveAreas start_of_family(Areas stored, const Inputs& in, int64_t& (Store::*print_level)() const, const Sink& sink) {
+  SaveAreas copy = copy_for_start(stored);
+  const Store s(copy);
+  apply_defaults(s, in);
+  if ((s.*print_level)() > 0) list_parameters(s, in, sink);
+  return copy;
+}
+
 // An integer computed by a start rule (128 bits wide) as a parameter holds it: saturated to 64 bits.
 constexpr int64_t saturate(__int128 v) {
   constexpr __int128 lo = std::numeric_limits<int64_t>::min(), hi = std::numeric_limits<int64_t>::max();
