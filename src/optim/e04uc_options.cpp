@@ -3,11 +3,7 @@
 namespace vek::optim::e04uc {
 
 Store global_store() {
-  static SaveAreas areas = [] {
-    SaveAreas a;
-    initialise(Areas(a));
-    return a;
-  }();
+  static SaveAreas areas = initialised_areas();
   return Store(areas);
 }
 
@@ -16,15 +12,7 @@ void after_option_call(Store s) {
 }
 
 SaveAreas start_of_solve(Store stored, const Inputs& in, const RecordSink& sink) {
-  SaveAreas copy = stored.copy();
-  const Store s(copy);
-  if (s.reset_pending()) {
-    s.reset();
-    s.set_reset_pending(false);
-  }
-  apply_defaults(s, in);
-  if (s.major_print_level() > 0) list_parameters(s, in, sink);
-  return copy;
+  return start_of_family(stored, in, &Store::major_print_level, sink);
 }
 
 }  // namespace vek::optim::e04uc

@@ -27,4 +27,20 @@ void initialise(Areas a) {
   a.advisory_unit() = units::advisory_unit();
 }
 
+SaveAreas initialised_areas() {
+  SaveAreas a;
+  initialise(Areas(a));
+  return a;
+}
+
+SaveAreas copy_for_start(Areas stored) {
+  SaveAreas copy = stored.copy();
+  const Areas s(copy);
+  if (s.reset_pending()) {
+    s.reset();
+    s.set_reset_pending(false);
+  }
+  return copy;
+}
+
 }  // namespace vek::optim

@@ -71,8 +71,27 @@ class Areas {
 };
 
 // The store as the family's initialiser leaves it: every parameter unset and a reset pending, the header
-// due, listing on, the advisory unit the current one.
+// due, listing on, the advisory unit the current one. The kernel of E04WBF, and of every library-global store.
 void initialise(Areas a);
+
+// Areas held by value as the initialiser leaves them: a family's library-global store starts from these.
+SaveAreas initialised_areas();
+
+// What a solver runs on: a copy of the stored areas with a pending reset applied, so that the store itself
+// keeps what the caller set.
+SaveAreas copy_for_start(Areas stored);
+
+// A solver's start for a family (its generated Store, Inputs, apply_defaults and list_parameters): the copy
+// with every unset or out-of-range parameter given its default, listed on `sink` when the print level in
+// force is positive.
+template <class Store, class Inputs, class Sink>
+SaveAreas start_of_family(Areas stored, const Inputs& in, int64_t& (Store::*print_level)() const, const Sink& sink) {
+  SaveAreas copy = copy_for_start(stored);
+  const Store s(copy);
+  apply_defaults(s, in);
+  if ((s.*print_level)() > 0) list_parameters(s, in, sink);
+  return copy;
+}
 
 // An integer computed by a start rule (128 bits wide) as a parameter holds it: saturated to 64 bits.
 constexpr int64_t saturate(__int128 v) {

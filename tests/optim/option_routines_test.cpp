@@ -1,5 +1,6 @@
-// E04UEF and E04UDF through their exported entries: the library-global store, the records on the advisory
-// unit (captured in a file), the Major print level rule, and options files read through the units.
+// The option routines through their exported entries: E04UEF and E04UDF on the E04UCF family's
+// library-global store, E04DKF and E04DJF on the E04DGF family's; the records on the advisory unit (captured
+// in a file), the Major print level rule, and options files read through the units.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -8,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "optim/e04dg_options.h"
 #include "optim/e04uc_options.h"
 #include "support/unit_capture.h"
 #include "vek.h"
@@ -18,7 +20,10 @@ namespace {
 class OptionRoutines : public ::testing::Test {
  protected:
   // Each test starts from a freshly initialised store, as a new process would.
-  OptionRoutines() { initialise(e04uc::global_store()); }
+  OptionRoutines() {
+    initialise(e04uc::global_store());
+    initialise(e04dg::global_store());
+  }
 
   static void set(const std::string& line) { e04uef_(line.data(), static_cast<int64_t>(line.size())); }
 
@@ -99,6 +104,20 @@ TEST_F(OptionRoutines, MajorPrintLevelRule) {
   set_all({"Defaults", "Print Level = 0"});
   EXPECT_EQ(store().major_print_level(), 0);
   EXPECT_TRUE(solver_listing().empty());
+}
+
+// E04DKF: its own header and store, and no print-level rule (the E04DGF solver's own default is 10).
+TEST_F(OptionRoutines, E04dkfOnItsOwnStore) {
+  testing::UnitCapture capture;
+  for (const std::string line : {"Iter 60", "Lin 0.5", "Major Print Level 5"})
+    e04dkf_(line.data(), static_cast<int64_t>(line.size()));
+  EXPECT_EQ(capture.lines(),
+            (std::vector<std::string>{" Calls to E04DKF", " ---------------", " Iter 60", " Lin 0.5",
+                                      " Major Print Level 5", " XXX  Keyword not recognized:         MAJOR"}));
+  EXPECT_EQ(e04dg::global_store().iteration_limit(), 60);
+  EXPECT_EQ(e04dg::global_store().line_search_tolerance(), 0.5);
+  EXPECT_EQ(e04dg::global_store().print_level(), kMarker);
+  EXPECT_EQ(store().major_iterations(), kMarker);
 }
 
 TEST_F(OptionRoutines, NothingPrintedOnANegativeAdvisoryUnit) {
@@ -214,6 +233,42 @@ TEST_F(OptionsFileRoutine, Inform5) {
                                            " Iter 9",
                                            " End"}));
   EXPECT_EQ(store().major_iterations(), 9);
+}
+
+// A file of several blocks, each after SKIP lines: each call reads the next block from the unit.
+TEST_F(OptionsFileRoutine, SeveralBlocksReadInTurn) {
+  file({"Skip  the first block", "Begin", "Iter 10", "End", "Skip", "Skip  the second block", "Begin",
+        "Iter 20", "End"});
+  const auto [first, first_out] = read();
+  EXPECT_EQ(first, 0);
+  EXPECT_EQ(first_out, (std::vector<std::string>{" OPTIONS file", " ------------", " Begin", " Iter 10", " End"}));
+  EXPECT_EQ(store().major_iterations(), 10);
+  const auto [second, second_out] = read();
+  EXPECT_EQ(second, 0);
+  EXPECT_EQ(second_out, (std::vector<std::string>{" OPTIONS file", " ------------", " Begin", " Iter 20", " End"}));
+  EXPECT_EQ(store().major_iterations(), 20);
+  const auto [third, third_out] = read();
+  EXPECT_EQ(third, 3);
+  EXPECT_EQ(third_out,
+            std::vector<std::string>{" XXX  End-of-file encountered while looking for an OPTIONS file on unit 72"});
+}
+
+// E04DJF reads into the E04DGF family's store alone.
+TEST_F(OptionsFileRoutine, E04djfOnItsOwnStore) {
+  file({"Begin", "Iteration Limit 70", "Verify No", "End"});
+  testing::UnitCapture capture;
+  int64_t unit = kUnit, inform = -7;
+  e04djf_(&unit, &inform);
+  EXPECT_EQ(inform, 0);
+  EXPECT_EQ(capture.lines(), (std::vector<std::string>{" OPTIONS file", " ------------", " Begin",
+                                                       " Iteration Limit 70", " Verify No", " End"}));
+  EXPECT_EQ(e04dg::global_store().iteration_limit(), 70);
+  EXPECT_EQ(e04dg::global_store().verify_level(), -1);
+  EXPECT_EQ(e04dg::global_store().print_level(), kMarker);
+  EXPECT_EQ(store().major_iterations(), kMarker);
+  unit = 100;
+  e04djf_(&unit, &inform);
+  EXPECT_EQ(inform, 1);
 }
 
 TEST_F(OptionsFileRoutine, BeginNolistSilencesTheFile) {

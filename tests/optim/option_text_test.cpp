@@ -72,7 +72,7 @@ TEST(OptionText, FindTokenBounds) {
 
 TEST(OptionText, NumericTest) {
   for (const char* yes : {"100", "2.0", "-1", "+5", ".5", "5.", "1E5", "1D-10", "1e+5", "-1E-5", "1-2", "E1",
-                          "+-1", "1+-", "--1", "1.0E+-3", "0"})
+                          "++1", "+-1", "1+-", "--1", "1.0E+-3", "0"})
     EXPECT_TRUE(is_numeric(yes)) << yes;
   for (const char* no : {"", "ITER", "E", ".", "1..2", "1E5E", "1D5E", "1.2.3", "+++1", "---1", "1,5", "1X",
                          "NAN", "INF", "0x10", "--1-"})

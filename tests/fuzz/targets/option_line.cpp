@@ -1,6 +1,7 @@
 // The option-line machinery of the E04UCF family: tokenizer, numeric test and number reader, keyword lookup,
 // one line applied to a store (first call and later calls), the solver's start rules and parameter listing
-// on what the lines stored, and the E04UEF entry itself. Properties: tokens within their limits and free of
+// on what the lines stored, and the E04UEF entry itself; the same lines on the E04DGF family's table, store,
+// start and E04DKF. Properties: tokens within their limits and free of
 // delimiters, a number in plain decimal form read as the C library reads it, lookup results within the
 // table, and every record of the parameter listing within 80 characters.
 #include <fuzzer/FuzzedDataProvider.h>
@@ -13,6 +14,7 @@
 #include <vector>
 
 #include "frame/units.h"
+#include "optim/e04dg_options.h"
 #include "optim/e04uc_options.h"
 #include "optim/option_line.h"
 #include "optim/option_text.h"
@@ -93,6 +95,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   }
   std::vector<std::string> listing;
   o::e04uc::start_of_solve(store, sizes, [&](std::string_view r) { listing.emplace_back(r); });
+
+  o::SaveAreas dg_areas;
+  const o::e04dg::Store dg_store(dg_areas);
+  o::initialise(dg_store);
+  for (const std::string& line : lines) o::set_option(o::e04dg::family, dg_store, line, "E04DKF", true, sink);
+  o::e04dg::start_of_solve(dg_store, {sizes.n}, [&](std::string_view r) { listing.emplace_back(r); });
   for (const std::string& r : listing) FUZZ_REQUIRE(r.size() <= 80);
 
   // The entry, with its printing suppressed.
@@ -100,7 +108,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const int64_t get = 0, set = 1;
   x04abf_(&get, &old_advisory);
   x04abf_(&set, &quiet);
-  for (const std::string& line : lines) e04uef_(line.data(), static_cast<int64_t>(line.size()));
+  for (const std::string& line : lines) {
+    e04uef_(line.data(), static_cast<int64_t>(line.size()));
+    e04dkf_(line.data(), static_cast<int64_t>(line.size()));
+  }
   x04abf_(&set, &old_advisory);
   return 0;
 }

@@ -17,6 +17,8 @@ constexpr const char* kPrinters[] = {
     "a00aaf",  // the implementation banner
     "e04uef",  // option lines and files of the SQP solver: echoed, and bad lines reported, on the advisory unit
     "e04udf",
+    "e04dkf",  // the same for the unconstrained minimiser
+    "e04djf",
 };
 
 bool printer(const char* name) {
