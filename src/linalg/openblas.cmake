@@ -37,8 +37,9 @@ foreach(p c z)
     list(APPEND VEK_TILED_CALLS --calls ${p}${op}_)
   endforeach()
 endforeach()
-# Its LAPACK's calls of dgetrf and dpotrf go to the library's blocked factorisations (f07adf, f07fdf).
-list(APPEND VEK_TILED_CALLS --calls dgetrf_ --calls dpotrf_)
+# Its LAPACK's calls of ?getrf and ?potrf go to the library's blocked factorisations (f07adf, f07arf, f07fdf,
+# f07frf).
+list(APPEND VEK_TILED_CALLS --calls dgetrf_ --calls dpotrf_ --calls zgetrf_ --calls zpotrf_)
 add_custom_command(
   OUTPUT ${VEK_OPENBLAS_RENAMED}
   COMMAND ${CMAKE_COMMAND} -E make_directory ${PROJECT_BINARY_DIR}/linalg
