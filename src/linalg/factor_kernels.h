@@ -14,39 +14,28 @@ namespace vek::linalg {
 template <class T>
 struct FactorKernels;
 
-template <>
-struct FactorKernels<double> {
-  using Real = double;
-  static constexpr const char* kAdjoint = "T";  // the transposition of a symmetric factorisation
-  static constexpr auto getrf = vekob_dgetrf_;
-  static constexpr auto getrs = vekob_dgetrs_;
-  static constexpr auto laswp = vekob_dlaswp_;
-  static constexpr auto trsm = vekob_dtrsm_;
-  static constexpr auto gemm = vekob_dgemm_;
-  static constexpr auto potrf = vekob_dpotrf_;
-  static constexpr auto tiled_trsm = vektl_dtrsm_;
-  static constexpr auto tiled_rank_k = vektl_dsyrk_;
-  static constexpr const char* kGetrf = "F07ADF/DGETRF";
-  static constexpr const char* kPotrf = "F07FDF/DPOTRF";
-  static constexpr const char* kGesv = "F07AAF/DGESV";
-};
-
-template <>
-struct FactorKernels<vek_complex> {
-  using Real = double;
-  static constexpr const char* kAdjoint = "C";  // the conjugate transposition of a Hermitian factorisation
-  static constexpr auto getrf = vekob_zgetrf_;
-  static constexpr auto getrs = vekob_zgetrs_;
-  static constexpr auto laswp = vekob_zlaswp_;
-  static constexpr auto trsm = vekob_ztrsm_;
-  static constexpr auto gemm = vekob_zgemm_;
-  static constexpr auto potrf = vekob_zpotrf_;
-  static constexpr auto tiled_trsm = vektl_ztrsm_;
-  static constexpr auto tiled_rank_k = vektl_zherk_;
-  static constexpr const char* kGetrf = "F07ARF/ZGETRF";
-  static constexpr const char* kPotrf = "F07FRF/ZPOTRF";
-  static constexpr const char* kGesv = "F07ANF/ZGESV";
-};
+// P: the precision letter; ADJOINT: the transposition of a symmetric (Hermitian) factorisation; RANK_K: its
+// trailing update (syrk or herk); GETRF, POTRF, GESV: the names in argument-error reports.
+#define VEK_FACTOR_KERNELS(P, T, ADJOINT, RANK_K, GETRF, POTRF, GESV) \
+  template <>                                                       \
+  struct FactorKernels<T> {                                         \
+    using Real = double;                                            \
+    static constexpr const char* kAdjoint = ADJOINT;                \
+    static constexpr auto getrf = vekob_##P##getrf_;                \
+    static constexpr auto getrs = vekob_##P##getrs_;                \
+    static constexpr auto laswp = vekob_##P##laswp_;                \
+    static constexpr auto trsm = vekob_##P##trsm_;                  \
+    static constexpr auto gemm = vekob_##P##gemm_;                  \
+    static constexpr auto potrf = vekob_##P##potrf_;                \
+    static constexpr auto tiled_trsm = vektl_##P##trsm_;            \
+    static constexpr auto tiled_rank_k = vektl_##P##RANK_K##_;      \
+    static constexpr const char* kGetrf = GETRF;                    \
+    static constexpr const char* kPotrf = POTRF;                    \
+    static constexpr const char* kGesv = GESV;                      \
+  };
+VEK_FACTOR_KERNELS(d, double, "T", syrk, "F07ADF/DGETRF", "F07FDF/DPOTRF", "F07AAF/DGESV")
+VEK_FACTOR_KERNELS(z, vek_complex, "C", herk, "F07ARF/ZGETRF", "F07FRF/ZPOTRF", "F07ANF/ZGESV")
+#undef VEK_FACTOR_KERNELS
 
 // The scalar 1 or -1 of the element type.
 template <class T>
