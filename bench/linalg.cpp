@@ -1,14 +1,15 @@
-// The level-3 BLAS and dgetrf through the library's published names against the same operations of OpenBLAS
-// called directly (Debian's shared libopenblas64, loaded in the same process, running its own threads), with
-// 1 and 2 threads, in the same run, calls alternating. Counters: GFLOP/s of each from its fastest call (the
-// machine is shared: the best call is the one least disturbed), "vs_openblas" = OpenBLAS's fastest time /
-// the library's fastest time, and "vs_openblas_cpu" the same ratio of process CPU time (the sum over the
-// threads, far less sensitive to other users of the machine than the elapsed time; a team that waits on
-// another's work spins and is counted). Targets: dgemm and the tiled level-3 routines >= 0.97 with two
-// threads, dgetrf >= 0.98 with one and two. dgetrf also runs the reference LAPACK (blocked right-looking LU
-// over the same BLAS) when it is installed: "vs_reference".
-// Full sizes are n = 2000 for the real level-3 routines (1000 for the complex ones) and dgetrf n = 4000; a
-// short run (--benchmark_min_time below 0.5, as under CTest) uses n = 400 and 800 so that the suite stays quick.
+// The level-3 BLAS, dgetrf, zgetrf and zpotrf through the library's published names against the same
+// operations of OpenBLAS called directly (Debian's shared libopenblas64, loaded in the same process, running its
+// own threads), with 1 and 2 threads, in the same run, calls alternating. Counters: GFLOP/s of each from its
+// fastest call (the machine is shared: the best call is the one least disturbed), "vs_openblas" = OpenBLAS's
+// fastest time / the library's fastest time, and "vs_openblas_cpu" the same ratio of process CPU time (the sum
+// over the threads, far less sensitive to other users of the machine than the elapsed time; a team that waits
+// on another's work spins and is counted). Targets: dgemm and the tiled level-3 routines >= 0.97 with two
+// threads, dgetrf >= 0.98 with one and two, zgetrf and zpotrf >= 0.95. dgetrf also runs the reference LAPACK
+// (blocked right-looking LU over the same BLAS) when it is installed: "vs_reference".
+// Full sizes are n = 2000 for the real level-3 routines (1000 for the complex ones), dgetrf n = 4000, zgetrf and
+// zpotrf n = 2000; a short run (--benchmark_min_time below 0.5, as under CTest) uses n = 400 and 800 so that the
+// suite stays quick.
 // BM_Screen: the cost of the non-finite screen in front of the iterating drivers, on finite n = 1000 problems
 // (values only, so that the screen's one pass weighs most): dgesdd, dsyevd and dgeev through the library's
 // names against OpenBLAS's own, one thread, alternating calls; "vs_openblas" within 0.99 is the aim.
@@ -221,6 +222,51 @@ void BM_Dgetrf(benchmark::State& state) {
   }
 }
 
+// Arguments: routine (0 zgetrf, 1 zpotrf with UPLO = 'L'), n, threads. A fresh copy of the matrix for every
+// call, made outside the timing; the Hermitian matrix has the diagonal 2n (positive definite).
+void BM_ComplexFactor(benchmark::State& state) {
+  const bool cholesky = state.range(0) == 1;
+  const int64_t n = state.range(1);
+  const Threads threads(state.range(2));
+  const std::vector<double> re = random_matrix(n, 6), im = random_matrix(n, 7);
+  std::vector<double> a0(static_cast<size_t>(2 * n * n));
+  for (int64_t j = 0; j < n; ++j)
+    for (int64_t i = 0; i < n; ++i) {
+      const auto k = static_cast<size_t>(i + j * n), t = static_cast<size_t>(j + i * n);  // (i,j) and (j,i)
+      const bool upper = cholesky && i < j, diagonal = cholesky && i == j;
+      a0[2 * k] = diagonal ? 2.0 * static_cast<double>(n) : upper ? re[t] : re[k];
+      a0[2 * k + 1] = diagonal ? 0.0 : upper ? -im[t] : im[k];
+    }
+  std::vector<double> a;
+  std::vector<int64_t> ipiv(static_cast<size_t>(n));
+  int64_t info = 0;
+  const auto zgetrf = reinterpret_cast<decltype(&zgetrf_)>(baseline_symbol(VEK_OPENBLAS64_SHARED, "zgetrf_"));
+  const auto zpotrf = reinterpret_cast<decltype(&zpotrf_)>(baseline_symbol(VEK_OPENBLAS64_SHARED, "zpotrf_"));
+  const auto call = [&](decltype(&zgetrf_) getrf, decltype(&zpotrf_) potrf) {
+    return [&, getrf, potrf] {
+      auto* za = reinterpret_cast<vek_complex*>(a.data());
+      if (cholesky) potrf("L", &n, za, &n, &info, 1);
+      else getrf(&n, &n, za, &n, ipiv.data(), &info);
+    };
+  };
+  const auto ours = call(&zgetrf_, &zpotrf_), theirs = call(zgetrf, zpotrf);
+  a = a0;
+  ours();
+  a = a0;
+  theirs();
+  Best vek, ob;
+  for (auto _ : state) {
+    a = a0;
+    state.SetIterationTime(vek.time(ours));
+    a = a0;
+    ob.time(theirs);
+    if (info != 0) state.SkipWithError("factorisation failed");
+  }
+  const double nd = static_cast<double>(n);
+  report(state, (cholesky ? 4.0 / 3.0 : 8.0 / 3.0) * nd * nd * nd, vek, ob);
+  state.SetLabel(cholesky ? "zpotrf" : "zgetrf");
+}
+
 using Dgesdd = void (*)(const char*, const int64_t*, const int64_t*, double*, const int64_t*, double*, double*,
                         const int64_t*, double*, const int64_t*, double*, const int64_t*, int64_t*, int64_t*, int64_t);
 using Dsyevd = void (*)(const char*, const char*, const int64_t*, double*, const int64_t*, double*, double*,
@@ -314,6 +360,10 @@ int main(int argc, char** argv) {
   level3->ArgNames({"routine", "n", "threads"})->UseManualTime()->Unit(benchmark::kMillisecond);
   benchmark::RegisterBenchmark("BM_Dgetrf", BM_Dgetrf)->Args({lu_n, 1})->Args({lu_n, 2})
       ->ArgNames({"n", "threads"})->UseManualTime()->Unit(benchmark::kMillisecond);
+  auto* complex_factor = benchmark::RegisterBenchmark("BM_ComplexFactor", BM_ComplexFactor);
+  for (int64_t routine : {0, 1})
+    for (int64_t threads : {1, 2}) complex_factor->Args({routine, quick ? 400 : 2000, threads});
+  complex_factor->ArgNames({"routine", "n", "threads"})->UseManualTime()->Unit(benchmark::kMillisecond);
   const int64_t screen_n = quick ? 200 : 1000;
   benchmark::RegisterBenchmark("BM_Screen", BM_Screen)
       ->Args({screen_n, 0})->Args({screen_n, 1})->Args({screen_n, 2})

@@ -45,17 +45,32 @@
 extern "C" {
 VEK_LEVEL3_ALL(vekob_)
 VEK_LEVEL3_ALL(vektl_)
-// Row interchanges, used by the LU factorisation.
+// Row interchanges, used by the LU factorisations.
 void vekob_dlaswp_(const int64_t* n, double* a, const int64_t* lda, const int64_t* k1, const int64_t* k2,
                    const int64_t* ipiv, const int64_t* incx);
-// OpenBLAS's own LU (recursive) and Cholesky factorisation, for the panels and diagonal blocks of the
-// library's blocked factorisations.
+void vekob_zlaswp_(const int64_t* n, vek_complex* a, const int64_t* lda, const int64_t* k1, const int64_t* k2,
+                   const int64_t* ipiv, const int64_t* incx);
+// OpenBLAS's own LU (recursive) and Cholesky factorisations, for the panels and diagonal blocks of the
+// library's blocked factorisations, and its LU solves, for the simple drivers.
 void vekob_dgetrf_(const int64_t* m, const int64_t* n, double* a, const int64_t* lda, int64_t* ipiv, int64_t* info);
+void vekob_zgetrf_(const int64_t* m, const int64_t* n, vek_complex* a, const int64_t* lda, int64_t* ipiv,
+                   int64_t* info);
 void vekob_dpotrf_(const char* uplo, const int64_t* n, double* a, const int64_t* lda, int64_t* info, int64_t uplo_len);
-// The library's blocked LU and Cholesky factorisations (f07adf, f07fdf) under the names that the calls of
-// dgetrf and dpotrf inside OpenBLAS's LAPACK (dgesvx, dsgesv, dposv, dposvx, dsygv ...) are sent to.
+void vekob_zpotrf_(const char* uplo, const int64_t* n, vek_complex* a, const int64_t* lda, int64_t* info,
+                   int64_t uplo_len);
+void vekob_dgetrs_(const char* trans, const int64_t* n, const int64_t* nrhs, const double* a, const int64_t* lda,
+                   const int64_t* ipiv, double* b, const int64_t* ldb, int64_t* info, int64_t trans_len);
+void vekob_zgetrs_(const char* trans, const int64_t* n, const int64_t* nrhs, const vek_complex* a, const int64_t* lda,
+                   const int64_t* ipiv, vek_complex* b, const int64_t* ldb, int64_t* info, int64_t trans_len);
+// The library's blocked LU and Cholesky factorisations (f07adf, f07arf, f07fdf, f07frf) under the names that
+// the calls of ?getrf and ?potrf inside OpenBLAS's LAPACK (dgesvx, zgesvx, dposv, zposv, dsygv, zhegv ...)
+// are sent to.
 void vektl_dgetrf_(const int64_t* m, const int64_t* n, double* a, const int64_t* lda, int64_t* ipiv, int64_t* info);
+void vektl_zgetrf_(const int64_t* m, const int64_t* n, vek_complex* a, const int64_t* lda, int64_t* ipiv,
+                   int64_t* info);
 void vektl_dpotrf_(const char* uplo, const int64_t* n, double* a, const int64_t* lda, int64_t* info, int64_t uplo_len);
+void vektl_zpotrf_(const char* uplo, const int64_t* n, vek_complex* a, const int64_t* lda, int64_t* info,
+                   int64_t uplo_len);
 }
 
 #undef VEK_LEVEL3_ALL

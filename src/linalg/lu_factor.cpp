@@ -1,11 +1,12 @@
-// F07ADF (published as DGETRF): LU factorisation with partial pivoting, A = P L U, of a real M by N matrix.
+// F07ADF and F07ARF (published as DGETRF and ZGETRF): LU factorisation with partial pivoting, A = P L U, of a
+// real or complex M by N matrix, one code for both element types.
 //
 // The arguments are checked here, in argument order (M, N, LDA: INFO = -1, -2, -4 with the argument-error
-// report "F07ADF/DGETRF"). The factorisation is right-looking and blocked, with its pieces fixed by the matrix
-// alone so that its rounding does not depend on the team:
+// report "F07ADF/DGETRF" or "F07ARF/ZGETRF"). The factorisation is right-looking and blocked, with its pieces
+// fixed by the matrix alone so that its rounding does not depend on the team:
 //   - panels of kPanel columns, each factorised by the dependency's recursive LU on one thread;
 //   - the columns right of panel s updated, one unit of kUnit panel widths at a time, by the panel's
-//     interchanges, U12 = L11^-1 A12 and A22 -= L21 U12 (the dependency's dlaswp, dtrsm, dgemm on one thread);
+//     interchanges, U12 = L11^-1 A12 and A22 -= L21 U12 (the dependency's ?laswp, ?trsm, ?gemm on one thread);
 //   - the interchanges of the later panels applied to the columns of panel s once its updates are done.
 // Every unit receives its updates in panel order, each computed whole by one thread, so every element sees
 // the same operations in the same order with 1, 2 or any number of threads. Which thread runs which piece is
@@ -23,22 +24,17 @@
 #include <vector>
 
 #include "frame/threads.h"
-#include "layers/f07.h"
+#include "forwarded.h"
 #include "linalg/argument_error.h"
-#include "linalg/level3_symbols.h"
+#include "linalg/factor_kernels.h"
 #include "linalg/lu_factor.h"
 
 namespace vek::linalg {
 namespace {
 
 constexpr int64_t kPanel = 256;  // columns per panel
-constexpr int64_t kUnit = 2;     // panels per update unit: one dgemm packs L21 once for 512 columns
+constexpr int64_t kUnit = 2;     // panels per update unit: one ?gemm packs L21 once for 512 columns
 constexpr int64_t kOne = 1;
-constexpr double kPlusOne = 1.0;
-constexpr double kMinusOne = -1.0;
-
-// Element (i, j), 0-based, of the column-major matrix.
-inline double* at(double* a, int64_t lda, int64_t i, int64_t j) { return a + i + j * lda; }
 
 // The panels and update units of an m by n matrix, and which panel steps each unit needs.
 struct Pieces {
@@ -64,38 +60,44 @@ struct Pieces {
 
 // Panel p factorised in place; pivots become global row numbers. Returns the global column of the first
 // exactly zero pivot, or 0.
-int64_t factor_panel(const Pieces& g, int64_t p, double* a, int64_t lda, int64_t* ipiv) {
+template <class T>
+int64_t factor_panel(const Pieces& g, int64_t p, T* a, int64_t lda, int64_t* ipiv) {
   const int64_t k = g.panel_begin(p), jb = g.panel_end(p) - k, rows = g.m - k;
   int64_t info = 0;
-  vekob_dgetrf_(&rows, &jb, at(a, lda, k, k), &lda, ipiv + k, &info);
+  FactorKernels<T>::getrf(&rows, &jb, element(a, lda, k, k), &lda, ipiv + k, &info);
   for (int64_t i = k; i < k + jb; ++i) ipiv[i] += k;
   return info > 0 ? info + k : 0;
 }
 
 // Step s on the columns of unit u right of panel s: interchanges, triangular solve, trailing update.
-void update_unit(const Pieces& g, int64_t s, int64_t u, double* a, int64_t lda, const int64_t* ipiv) {
+template <class T>
+void update_unit(const Pieces& g, int64_t s, int64_t u, T* a, int64_t lda, const int64_t* ipiv) {
+  using K = FactorKernels<T>;
   const int64_t k = g.panel_begin(s), jb = g.panel_end(s) - k, below = g.m - k - jb;
   const int64_t j0 = std::max(g.unit_begin(u), g.panel_end(s)), nc = g.unit_end(u) - j0;
   const int64_t k1 = k + 1, k2 = k + jb;
-  vekob_dlaswp_(&nc, at(a, lda, 0, j0), &lda, &k1, &k2, ipiv, &kOne);
-  vekob_dtrsm_("L", "L", "N", "U", &jb, &nc, &kPlusOne, at(a, lda, k, k), &lda, at(a, lda, k, j0), &lda, 1, 1, 1, 1);
+  const T plus_one = unit<T>(1.0), minus_one = unit<T>(-1.0);
+  K::laswp(&nc, element(a, lda, 0, j0), &lda, &k1, &k2, ipiv, &kOne);
+  K::trsm("L", "L", "N", "U", &jb, &nc, &plus_one, element(a, lda, k, k), &lda, element(a, lda, k, j0), &lda, 1, 1,
+          1, 1);
   if (below > 0)
-    vekob_dgemm_("N", "N", &below, &nc, &jb, &kMinusOne, at(a, lda, k + jb, k), &lda, at(a, lda, k, j0), &lda,
-                 &kPlusOne, at(a, lda, k + jb, j0), &lda, 1, 1);
+    K::gemm("N", "N", &below, &nc, &jb, &minus_one, element(a, lda, k + jb, k), &lda, element(a, lda, k, j0), &lda,
+            &plus_one, element(a, lda, k + jb, j0), &lda, 1, 1);
 }
 
 // The interchanges of panels first .. last-1 applied to the columns of panel p (exact: any order of these
 // calls that keeps the panels' order gives the same matrix).
-void swap_left(const Pieces& g, int64_t p, int64_t first, int64_t last, double* a, int64_t lda,
-               const int64_t* ipiv) {
+template <class T>
+void swap_left(const Pieces& g, int64_t p, int64_t first, int64_t last, T* a, int64_t lda, const int64_t* ipiv) {
   const int64_t nc = g.panel_end(p) - g.panel_begin(p), k1 = g.panel_begin(first) + 1, k2 = g.panel_end(last - 1);
-  vekob_dlaswp_(&nc, at(a, lda, 0, g.panel_begin(p)), &lda, &k1, &k2, ipiv, &kOne);
+  FactorKernels<T>::laswp(&nc, element(a, lda, 0, g.panel_begin(p)), &lda, &k1, &k2, ipiv, &kOne);
 }
 
 // The shared state of one factorisation: what is done, what is claimed, and the choice of the next piece.
+template <class T>
 class Graph {
  public:
-  Graph(const Pieces& g, double* a, int64_t lda, int64_t* ipiv)
+  Graph(const Pieces& g, T* a, int64_t lda, int64_t* ipiv)
       : g_(g), a_(a), lda_(lda), ipiv_(ipiv), applied_(static_cast<size_t>(g.units), 0),
         unit_busy_(static_cast<size_t>(g.units), false), pending_(static_cast<size_t>(g.panels), 0),
         swapped_(static_cast<size_t>(g.panels)), swap_busy_(static_cast<size_t>(g.panels), false) {
@@ -190,7 +192,7 @@ class Graph {
   }
 
   const Pieces& g_;
-  double* a_;
+  T* a_;
   int64_t lda_;
   int64_t* ipiv_;
   std::mutex mutex_;
@@ -204,23 +206,22 @@ class Graph {
   bool factoring_ = false;
 };
 
-}  // namespace
-
-int64_t lu_factor(int64_t m, int64_t n, double* a, int64_t lda, int64_t* ipiv, WithoutMemory without_memory) {
+template <class T>
+int64_t factor(int64_t m, int64_t n, T* a, int64_t lda, int64_t* ipiv, WithoutMemory without_memory) {
   if (std::min(m, n) == 0) return 0;
   // The bookkeeping of the pieces is the only memory the factorisation takes, allocated here before any
   // thread starts. Without it (WithoutMemory::use_dependency) the dependency factorises the whole matrix on the
   // calling thread: a different blocking, so other last bits than the pieces give, but still independent of the
   // thread count.
   std::optional<Pieces> pieces;
-  std::optional<Graph> graph;
+  std::optional<Graph<T>> graph;
   try {
     pieces.emplace(m, n);
     graph.emplace(*pieces, a, lda, ipiv);
   } catch (const std::bad_alloc&) {
     if (without_memory == WithoutMemory::throw_bad_alloc) throw;
     int64_t info = 0;
-    vekob_dgetrf_(&m, &n, a, &lda, ipiv, &info);
+    FactorKernels<T>::getrf(&m, &n, a, &lda, ipiv, &info);
     return info;
   }
   const int64_t work = pieces->panels + static_cast<int64_t>(pieces->needs.size());
@@ -236,20 +237,42 @@ int64_t lu_factor(int64_t m, int64_t n, double* a, int64_t lda, int64_t* ipiv, W
   return graph->info();
 }
 
-}  // namespace vek::linalg
-
-// The library's DGETRF: F07ADF's generated worker and the dependency's LAPACK drivers (dgesv, dgesvx ...)
-// come here. Never throws: the drivers calling it are not C++.
-extern "C" void vektl_dgetrf_(const int64_t* m, const int64_t* n, double* a, const int64_t* lda, int64_t* ipiv,
-                              int64_t* info) {
+// The published entry: checks in argument order, then the factorisation. Never throws: the drivers calling it
+// are not C++.
+template <class T>
+void published_factor(const int64_t* m, const int64_t* n, T* a, const int64_t* lda, int64_t* ipiv, int64_t* info) {
   int64_t bad = 0;
   if (*m < 0) bad = 1;
   else if (*n < 0) bad = 2;
   else if (*lda < std::max<int64_t>(1, *m)) bad = 4;
   if (bad != 0) {
     *info = -bad;
-    vek::linalg::argument_error("F07ADF/DGETRF", bad);
+    argument_error(FactorKernels<T>::kGetrf, bad);
     return;
   }
-  *info = vek::linalg::lu_factor(*m, *n, a, *lda, ipiv);
+  *info = factor(*m, *n, a, *lda, ipiv, WithoutMemory::use_dependency);
+}
+
+}  // namespace
+
+int64_t lu_factor(int64_t m, int64_t n, double* a, int64_t lda, int64_t* ipiv, WithoutMemory without_memory) {
+  return factor(m, n, a, lda, ipiv, without_memory);
+}
+
+int64_t lu_factor(int64_t m, int64_t n, vek_complex* a, int64_t lda, int64_t* ipiv, WithoutMemory without_memory) {
+  return factor(m, n, a, lda, ipiv, without_memory);
+}
+
+}  // namespace vek::linalg
+
+// The library's DGETRF and ZGETRF: F07ADF's and F07ARF's generated workers and the dependency's LAPACK drivers
+// (dgesvx, zgesvx ...) come here.
+extern "C" void vektl_dgetrf_(const int64_t* m, const int64_t* n, double* a, const int64_t* lda, int64_t* ipiv,
+                              int64_t* info) {
+  vek::linalg::published_factor(m, n, a, lda, ipiv, info);
+}
+
+extern "C" void vektl_zgetrf_(const int64_t* m, const int64_t* n, vek_complex* a, const int64_t* lda, int64_t* ipiv,
+                              int64_t* info) {
+  vek::linalg::published_factor(m, n, a, lda, ipiv, info);
 }

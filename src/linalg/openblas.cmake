@@ -37,8 +37,9 @@ foreach(p c z)
     list(APPEND VEK_TILED_CALLS --calls ${p}${op}_)
   endforeach()
 endforeach()
-# Its LAPACK's calls of dgetrf and dpotrf go to the library's blocked factorisations (f07adf, f07fdf).
-list(APPEND VEK_TILED_CALLS --calls dgetrf_ --calls dpotrf_)
+# Its LAPACK's calls of ?getrf and ?potrf go to the library's blocked factorisations (f07adf, f07arf, f07fdf,
+# f07frf).
+list(APPEND VEK_TILED_CALLS --calls dgetrf_ --calls dpotrf_ --calls zgetrf_ --calls zpotrf_)
 # A second build of the same sources (tools/test.sh's sanitizer build) may copy the archive another build has
 # renamed (the result depends only on the archive, this file and the script; that build must be current).
 set(VEK_OPENBLAS_RENAMED_BY "" CACHE FILEPATH "libvekob.a renamed by another build of these sources, copied")
