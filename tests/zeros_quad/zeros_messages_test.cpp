@@ -8,29 +8,12 @@
 #include <string>
 #include <vector>
 
-#include "support/report.h"
+#include "message_cases.h"
 #include "vek.h"
 
 namespace {
 
-struct Case {
-  std::string what;
-  int64_t ifail;
-  std::vector<std::string> records;     // as declared, without the leading blank
-  std::function<void(int64_t*)> call;   // calls the routine with the given IFAIL
-};
-
-void check_cases(const std::string& routine, const std::vector<Case>& cases) {
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
-    std::vector<std::string> printed;
-    for (const std::string& r : c.records) printed.push_back(" " + r);
-    vek::testing::expect_report(c.call, c.ifail, printed, routine);
-    int64_t ifail = 1;  // soft and silent
-    EXPECT_TRUE(vek::testing::console_lines([&] { c.call(&ifail); }).empty());
-    EXPECT_EQ(ifail, c.ifail);
-  }
-}
+using vek::testing::check_cases;
 
 double square_minus_two(double x) { return x * x - 2.0; }
 
