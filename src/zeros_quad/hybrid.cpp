@@ -57,11 +57,24 @@ bool all_finite(int64_t n, const double* v) {
   return std::all_of(v, v + n, [](double t) { return std::isfinite(t); });
 }
 
-// The number of column groups for differencing: columns j and j + groups never share a row of the band.
+// The number of column groups for differencing: the pattern's, or for a band such that columns j and
+// j + groups never share a row of it.
 int64_t difference_groups(const HybridArrays& a, const HybridSettings& s) {
   const int64_t n = a.n;
+  if (s.groups != nullptr) return s.groups->count;
   if (s.ml >= n - 1 || s.mu >= n - 1) return n;
   return std::min(s.ml + s.mu + 1, n);
+}
+
+// Calls column(j) for every column of the group being differenced.
+template <class Column>
+void for_each_in_group(const HybridArrays& a, const HybridSettings& s, int64_t group, Column&& column) {
+  if (s.groups != nullptr) {
+    for (int64_t j = 0; j < a.n; ++j)
+      if (s.groups->group_of[j] == group) column(j);
+    return;
+  }
+  for (int64_t j = group; j < a.n; j += difference_groups(a, s)) column(j);
 }
 
 double difference_scale(const HybridSettings& s) { return std::sqrt(s.epsfcn > kEps ? s.epsfcn : kEps); }
@@ -88,9 +101,8 @@ HybridRequest ask_difference(const HybridArrays& a, const HybridSettings& s) {
   const Counters c(a.int_state);
   const RealState w(a.real_state, a.n);
   const double eps = difference_scale(s);
-  const int64_t groups = difference_groups(a, s);
   std::copy(w.best_x, w.best_x + a.n, a.x);
-  for (int64_t j = c.group(); j < a.n; j += groups) a.x[j] = w.best_x[j] + difference_step(eps, w.best_x[j]);
+  for_each_in_group(a, s, c.group(), [&](int64_t j) { a.x[j] = w.best_x[j] + difference_step(eps, w.best_x[j]); });
   c.set_stage(Stage::difference);
   return HybridRequest::function;
 }
@@ -172,14 +184,20 @@ HybridRequest after_difference(const HybridArrays& a, const HybridSettings& s) {
   ++c.nfev();
   const double eps = difference_scale(s);
   const int64_t groups = difference_groups(a, s);
-  for (int64_t j = c.group(); j < n; j += groups) {
+  for_each_in_group(a, s, c.group(), [&](int64_t j) {
     const double h = difference_step(eps, w.best_x[j]);
     double* column = a.fjac + j * n;
-    for (int64_t i = 0; i < n; ++i) {
-      const bool in_band = groups == n || (i >= j - s.mu && i <= j + s.ml);
-      column[i] = in_band ? (a.fvec[i] - w.best_f[i]) / h : 0.0;
+    auto difference = [&](int64_t i) { column[i] = (a.fvec[i] - w.best_f[i]) / h; };
+    if (s.groups != nullptr) {
+      std::fill(column, column + n, 0.0);
+      for (int64_t k = s.groups->column_start[j]; k < s.groups->column_start[j + 1]; ++k) difference(s.groups->rows[k]);
+      return;
     }
-  }
+    for (int64_t i = 0; i < n; ++i) {
+      if (groups == n || (i >= j - s.mu && i <= j + s.ml)) difference(i);
+      else column[i] = 0.0;
+    }
+  });
   if (++c.group() < groups) return ask_difference(a, s);
   return factorize(a, s);
 }

@@ -42,6 +42,16 @@ enum class HybridOutcome {
 inline constexpr int64_t kSlowJacobians = 5;
 inline constexpr int64_t kSlowIterations = 10;
 
+// Columns of the Jacobian differenced together, for a known sparsity pattern: the columns of a group share no
+// row, so one function value gives all their elements (Curtis, Powell and Reid); every element outside the
+// pattern is 0.
+struct ColumnGroups {
+  int64_t count;
+  const int64_t* group_of;      // n: the group of each column, 0 to count-1
+  const int64_t* column_start;  // n+1: the rows of column j are rows[column_start[j]] to rows[column_start[j+1]-1]
+  const int64_t* rows;
+};
+
 struct HybridSettings {
   double xtol;
   int64_t maxfev;
@@ -50,6 +60,7 @@ struct HybridSettings {
   bool scale_given;     // diag is the caller's (MODE = 2), otherwise the stepper's own column scaling
   double factor;        // the initial radius is factor ||diag x|| (factor when x = 0)
   bool user_jacobian;   // the caller supplies Jacobians, otherwise they are differenced
+  const ColumnGroups* groups = nullptr;  // a sparsity pattern for differencing, in place of the band
 };
 
 // The caller's arrays: x, fvec, diag, qtf of n; fjac of n*n; r of n(n+1)/2; the two state arrays.

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "layers/c05.h"
+#include "zeros_quad/column_groups.h"
 #include "zeros_quad/hybrid.h"
 
 namespace vek::routines {
@@ -211,6 +212,25 @@ void c05qdf::run(frame::ErrorBuffer& err, int64_t* irevcm, const int64_t* n, dou
   *nfev = zeros_quad::hybrid_function_count(iwsav);
   set_irevcm(irevcm, q);
   if (q == HybridRequest::finished) report<c05qdf>(err, zeros_quad::hybrid_outcome(iwsav), *xtol, *maxfev);
+}
+
+// The easy form for a sparse Jacobian: c05qbf's settings, the columns differenced in the pattern's groups.
+void c05qsf::run(frame::ErrorBuffer& err, vek_c05qsf_fcn_adapter fcn_adapter, vek_c05qsf_fcn_fn fcn,
+                 const int64_t* n, double* x, double* fvec, const double* xtol, const int64_t* nnz,
+                 const int64_t* irow, const int64_t* icol, int64_t* iuser, double* ruser) {
+  for (int64_t k = 0; k < *nnz; ++k)
+    if (irow[k] < 1 || irow[k] > *n || icol[k] < 1 || icol[k] > *n)
+      return err.fail(pair_outside, k + 1, irow[k], icol[k]);
+  DriverWorkspace w(*n, true);
+  const zeros_quad::SparsePattern pattern(*n, *nnz, irow, icol);
+  const zeros_quad::ColumnGroups groups = pattern.groups();
+  std::fill(w.diag, w.diag + *n, 1.0);
+  HybridSettings settings = easy_settings(*n, *xtol, false);
+  settings.groups = &groups;
+  const HybridArrays a{*n, x, fvec, w.fjac, w.r, w.qtf, w.diag, w.int_state.data(), w.real_state};
+  const DriverResult r =
+      drive(a, settings, 0, [&](int64_t& iflag) { fcn_adapter(fcn, n, x, fvec, iuser, ruser, &iflag); });
+  report<c05qsf>(err, r, *xtol, 0);
 }
 
 // The easy form with the user's Jacobian: diag = 1, initial radius 100 ||x|| (100 at x = 0).

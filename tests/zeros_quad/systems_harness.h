@@ -1,4 +1,4 @@
-// Calls of the six solvers for systems (c05qbf, c05qcf, c05qdf, c05rbf, c05rcf, c05rdf) through their exported
+// Calls of the seven solvers for systems (c05qbf, c05qcf, c05qdf, c05qsf, c05rbf, c05rcf, c05rdf) through their exported
 // entries on one problem with one set of settings, the reverse-communication forms driven by the usual loop.
 // FCN counts its calls and can be told to set IFLAG negative at a given call.
 #pragma once
@@ -13,7 +13,7 @@
 
 namespace vek::testing {
 
-enum class Solver { qbf, qcf, qdf, rbf, rcf, rdf };
+enum class Solver { qbf, qcf, qdf, qsf, rbf, rcf, rdf };
 
 struct SystemSetup {
   SystemProblem problem;
@@ -28,6 +28,8 @@ struct SystemSetup {
   int64_t nprint = 0;
   int64_t stop_at_call = 0;  // FCN sets IFLAG = -7 at this call (0: never)
   int64_t irevcm_start = 0;  // what the reverse-communication loop passes first
+  std::vector<int64_t> irow{}, icol{};  // c05qsf's pattern (empty: every element)
+  std::optional<int64_t> nnz{};         // default the pattern's length
 };
 
 struct SystemRun {
@@ -83,6 +85,13 @@ inline SystemRun run_system(Solver solver, const SystemSetup& s, int64_t ifail_i
          *qtf = out.qtf.data();
   switch (solver) {
     case Solver::qbf: c05qbf_(detail::fcn, &n, x, fvec, &s.xtol, iuser.data(), ruser.data(), &ifail); break;
+    case Solver::qsf: {
+      std::vector<int64_t> irow = s.irow, icol = s.icol;
+      for (int64_t k = 0; irow.empty() && k < nn * nn; ++k) irow.push_back(k % n + 1), icol.push_back(k / n + 1);
+      const int64_t nnz = s.nnz.value_or(static_cast<int64_t>(irow.size()));
+      c05qsf_(detail::fcn, &n, x, fvec, &s.xtol, &nnz, irow.data(), icol.data(), iuser.data(), ruser.data(), &ifail);
+      break;
+    }
     case Solver::rbf:
       c05rbf_(detail::fcn_jacobian, &n, x, fvec, fjac, &s.xtol, iuser.data(), ruser.data(), &ifail);
       break;
@@ -115,7 +124,7 @@ inline SystemRun run_system(Solver solver, const SystemSetup& s, int64_t ifail_i
   }
   out.ifail = ifail;
   out.monitor_calls = detail::g_fcn.by_iflag[0];
-  if (solver == Solver::qbf || solver == Solver::rbf) {
+  if (solver == Solver::qbf || solver == Solver::qsf || solver == Solver::rbf) {
     out.nfev = detail::g_fcn.by_iflag[1];
     out.njev = detail::g_fcn.by_iflag[2];
   }

@@ -50,13 +50,15 @@ struct MessageCase {
   std::function<void(SystemSetup&)> change;  // from Rosenbrock's problem with the harness's settings
 };
 
-const std::vector<Solver> kAll = {Solver::qbf, Solver::qcf, Solver::qdf, Solver::rbf, Solver::rcf, Solver::rdf};
+const std::vector<Solver> kAll = {Solver::qbf, Solver::qcf, Solver::qdf, Solver::qsf,
+                                  Solver::rbf, Solver::rcf, Solver::rdf};
 const std::vector<Solver> kFull = {Solver::qcf, Solver::qdf, Solver::rcf, Solver::rdf};
-const std::vector<Solver> kEasy = {Solver::qbf, Solver::rbf};
-const std::vector<Solver> kCallers = {Solver::qbf, Solver::qcf, Solver::rbf, Solver::rcf};
+const std::vector<Solver> kEasy = {Solver::qbf, Solver::qsf, Solver::rbf};
+const std::vector<Solver> kCallers = {Solver::qbf, Solver::qcf, Solver::qsf, Solver::rbf, Solver::rcf};
 
 const std::map<Solver, std::string> kNames = {{Solver::qbf, "C05QBF"}, {Solver::qcf, "C05QCF"},
-                                              {Solver::qdf, "C05QDF"}, {Solver::rbf, "C05RBF"},
+                                              {Solver::qdf, "C05QDF"}, {Solver::qsf, "C05QSF"},
+                                              {Solver::rbf, "C05RBF"},
                                               {Solver::rcf, "C05RCF"}, {Solver::rdf, "C05RDF"}};
 
 const std::vector<std::string> kNotFiniteRecords = {
@@ -94,6 +96,11 @@ TEST(SystemMessages, EveryMessageOfEveryRoutine) {
        {"** On entry, IREVCM = 2, but IWSAV does not hold a run in progress:",
         "** IWSAV and RWSAV must not be changed between calls."},
        [](SystemSetup& s) { s.irevcm_start = 2; }},
+      {"NNZ = 0", {Solver::qsf}, 1, {"** On entry, NNZ = 0", "** Constraint: NNZ > 0."},
+       [](SystemSetup& s) { s.nnz = 0; }},
+      {"pair outside", {Solver::qsf}, 1,
+       {"** On entry, IROW(3) = 2 and ICOL(3) = 3", "** Constraint: 1 <= IROW(k) <= N and 1 <= ICOL(k) <= N."},
+       [](SystemSetup& s) { s.irow = {1, 2, 2}, s.icol = {1, 1, 3}; }},
       {"IFLAG < 0", kCallers, 1, {"** IFLAG was set negative in FCN.", "** IFLAG = -7"},
        [](SystemSetup& s) { s.stop_at_call = 3; }},
       {"200*(N+1) calls", kEasy, 2,

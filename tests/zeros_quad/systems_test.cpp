@@ -10,6 +10,7 @@
 #include <fstream>
 #include <map>
 #include <sstream>
+#include <tuple>
 
 #include "systems_harness.h"
 
@@ -33,9 +34,10 @@ double scaled_error(const std::vector<double>& x, const std::vector<double>& roo
 
 TEST(Systems, MinpackProblemsAgainstTheReference) {
   // The routine and settings each kind of reference run stands for (make_systems_reference.py).
-  const std::map<std::string, std::pair<Solver, int64_t>> kinds = {
-      {"easy", {Solver::qbf, 2}}, {"easy_jac", {Solver::rbf, 2}}, {"scaled", {Solver::qcf, 1}},
-      {"banded", {Solver::qcf, 1}}, {"scaled_jac", {Solver::rcf, 1}}};
+  // c05qsf with every element in its pattern differences column by column, as c05qbf does.
+  const std::map<std::string, std::pair<std::vector<Solver>, int64_t>> kinds = {
+      {"easy", {{Solver::qbf, Solver::qsf}, 2}}, {"easy_jac", {{Solver::rbf}, 2}}, {"scaled", {{Solver::qcf}, 1}},
+      {"banded", {{Solver::qcf}, 1}}, {"scaled_jac", {{Solver::rcf}, 1}}};
   std::ifstream file(std::string(VEK_TEST_DATA_DIR) + "/systems.txt");
   ASSERT_TRUE(file.good());
   int rows = 0;
@@ -49,14 +51,15 @@ TEST(Systems, MinpackProblemsAgainstTheReference) {
     s.problem = mgh_system(name);
     s.mode = kinds.at(kind).second;
     if (kind == "banded") s.ml = vek::testing::mgh::kBandedLower, s.mu = vek::testing::mgh::kBandedUpper;
-    SCOPED_TRACE(line.substr(0, 40));
-    const SystemRun r = run_system(kinds.at(kind).first, s);
-    EXPECT_EQ(r.ifail, ifail);
-    EXPECT_EQ(r.nfev, nfev);
-    EXPECT_EQ(r.njev, njev);
     std::vector<std::string> root(static_cast<size_t>(s.n));
     for (auto& v : root) in >> v;
-    if (root[0] != "-") {
+    for (Solver solver : kinds.at(kind).first) {
+      SCOPED_TRACE(line.substr(0, 40) + (solver == Solver::qsf ? " (c05qsf)" : ""));
+      const SystemRun r = run_system(solver, s);
+      EXPECT_EQ(r.ifail, ifail);
+      EXPECT_EQ(r.nfev, nfev);
+      EXPECT_EQ(r.njev, njev);
+      if (root[0] == "-") continue;
       std::vector<double> value(root.size());
       std::transform(root.begin(), root.end(), value.begin(), [](const std::string& t) { return std::stod(t); });
       EXPECT_LE(scaled_error(r.x, value), 100 * s.xtol);
@@ -64,6 +67,25 @@ TEST(Systems, MinpackProblemsAgainstTheReference) {
     ++rows;
   }
   EXPECT_GT(rows, 50);
+}
+
+// For a banded pattern the column groups are those of the band (columns j, j + ML + MU + 1, ...), so c05qsf
+// takes c05qcf's iterates with that band and c05qbf's settings, with far fewer evaluations than c05qbf.
+TEST(Systems, SparsePatternGroupsColumns) {
+  for (auto [name, lower, upper] : {std::tuple{"broyden_tridiagonal", 1, 1}, std::tuple{"broyden_banded", 5, 1}}) {
+    SCOPED_TRACE(name);
+    SystemSetup s{mgh_system(name), 30};
+    s.mode = 2;
+    s.ml = lower, s.mu = upper;
+    for (int64_t j = 0; j < s.n; ++j)
+      for (int64_t i = std::max<int64_t>(0, j - upper); i <= std::min<int64_t>(s.n - 1, j + lower); ++i)
+        s.irow.push_back(i + 1), s.icol.push_back(j + 1);
+    const SystemRun sparse = run_system(Solver::qsf, s), banded = run_system(Solver::qcf, s);
+    EXPECT_EQ(sparse.ifail, 0);
+    EXPECT_EQ(sparse.x, banded.x);
+    EXPECT_EQ(sparse.nfev, banded.nfev);
+    EXPECT_LT(2 * sparse.nfev, run_system(Solver::qbf, s).nfev);
+  }
 }
 
 // c05qdf and c05rdf take the very iterates of c05qcf and c05rcf: every output equal to the bit, over scalings,
