@@ -319,6 +319,10 @@ bool hybrid_state_valid(const HybridArrays& a, const HybridSettings& s) {
   const Counters c(a.int_state);
   const int64_t stage = a.int_state[0];
   if (stage < static_cast<int64_t>(Stage::initial_value) || stage > static_cast<int64_t>(Stage::finished)) return false;
+  // Counts far below overflow, so that counting on cannot overflow; the flag 0 or 1.
+  constexpr int64_t kCountLimit = int64_t{1} << 62;
+  if (std::any_of(a.int_state + 1, a.int_state + 8, [](int64_t k) { return k < 0 || k > kCountLimit; })) return false;
+  if (c.fresh_jacobian() != 0 && c.fresh_jacobian() != 1) return false;
   if (c.stage() == Stage::difference && (c.group() < 0 || c.group() >= difference_groups(a, s))) return false;
   if (c.stage() == Stage::jacobian_value && !s.user_jacobian) return false;
   return c.stage() != Stage::finished ||

@@ -20,7 +20,10 @@ namespace vek::zeros_quad {
 
 // The integer state (IWSAV) and the real state (RWSAV: 4 scalars, then 5 vectors of n).
 inline constexpr int64_t kHybridIntState = 11;
-constexpr int64_t hybrid_real_state(int64_t n) { return 5 * n + 4; }
+template <class Count>
+constexpr Count hybrid_real_state(Count n) {
+  return 5 * n + 4;
+}
 
 // What the stepper asks for on return.
 enum class HybridRequest {

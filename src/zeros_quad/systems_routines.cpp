@@ -41,8 +41,8 @@ class DriverWorkspace {
  public:
   DriverWorkspace(int64_t n, bool with_jacobian) {
     const __int128 big = n;
-    const __int128 count = (with_jacobian ? big * big : 0) + big * (big + 1) / 2 + 2 * big +
-                           zeros_quad::hybrid_real_state(0) + 5 * big;
+    const __int128 count =
+        (with_jacobian ? big * big : 0) + big * (big + 1) / 2 + 2 * big + zeros_quad::hybrid_real_state(big);
     if (count > static_cast<__int128>(PTRDIFF_MAX / sizeof(double))) throw std::bad_alloc();
     block_.resize(static_cast<size_t>(count));
     double* next = block_.data();
