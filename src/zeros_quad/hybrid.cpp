@@ -243,9 +243,10 @@ HybridRequest after_trial(const HybridArrays& a, const HybridSettings& s) {
   ++c.nfev();
   const double fnorm1 = euclidean_norm(n, a.fvec);
   // A step into NaN or overflow is a failed step and teaches nothing; nor does a zero step.
-  const bool updatable = std::isfinite(fnorm1) && w.pnorm > 0.0;
+  const bool finite = all_finite(n, a.fvec);
+  const bool updatable = finite && w.pnorm > 0.0;
   double actred = -1.0;
-  if (fnorm1 < w.fnorm) actred = 1.0 - (fnorm1 / w.fnorm) * (fnorm1 / w.fnorm);
+  if (finite && fnorm1 < w.fnorm) actred = 1.0 - (fnorm1 / w.fnorm) * (fnorm1 / w.fnorm);
   // The predicted reduction, from ||Q^T f + R step||.
   for (int64_t i = 0; i < n; ++i) {
     const double* row = a.r + packed_diagonal(n, i);

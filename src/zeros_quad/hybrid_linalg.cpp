@@ -11,6 +11,10 @@ namespace {
 
 constexpr double kEps = std::numeric_limits<double>::epsilon();
 
+// Squares are formed before they are scaled, in the order of the published routines, so that iterates can be
+// compared with theirs to the bit.
+constexpr double square(double t) { return t * t; }
+
 struct Rotation {
   double cos, sin, tau;  // tau: the one number from which apply_rotations rebuilds cos and sin
 };
@@ -19,13 +23,13 @@ struct Rotation {
 Rotation rotation_against(double a, double b) {
   if (std::abs(a) < std::abs(b)) {
     const double cotan = a / b;
-    const double sin = 0.5 / std::sqrt(0.25 + 0.25 * cotan * cotan);
+    const double sin = 0.5 / std::sqrt(0.25 + 0.25 * square(cotan));
     const double cos = sin * cotan;
     const double tau = std::abs(cos) * std::numeric_limits<double>::max() > 1.0 ? 1.0 / cos : 1.0;
     return {cos, sin, tau};
   }
   const double tan = b / a;
-  const double cos = 0.5 / std::sqrt(0.25 + 0.25 * tan * tan);
+  const double cos = 0.5 / std::sqrt(0.25 + 0.25 * square(tan));
   const double sin = cos * tan;
   return {cos, sin, sin};
 }
@@ -34,30 +38,42 @@ Rotation rotation_against(double a, double b) {
 Rotation rotation_from(double tau) {
   if (std::abs(tau) > 1.0) {
     const double cos = 1.0 / tau;
-    return {cos, std::sqrt(1.0 - cos * cos), tau};
+    return {cos, std::sqrt(1.0 - square(cos)), tau};
   }
-  return {std::sqrt(1.0 - tau * tau), tau, tau};
+  return {std::sqrt(1.0 - square(tau)), tau, tau};
 }
 
 }  // namespace
 
 double euclidean_norm(int64_t n, const double* v, int64_t stride) {
-  // The plain sum of squares is exact enough unless it overflowed or lost digits to underflow.
-  double sum = 0.0;
-  for (int64_t i = 0; i < n; ++i) sum += v[i * stride] * v[i * stride];
-  if (std::isnan(sum) || (sum >= 1e-280 && sum <= 1e280)) return std::sqrt(sum);
-  double scale = 0.0, scaled = 1.0;  // sum = scale^2 * scaled, as the LAPACK routine dlassq keeps it
+  // MINPACK's enorm: squares of intermediate components summed directly, small and large ones each scaled
+  // by the largest of their kind, so nothing overflows or underflows harmfully and the sum of intermediate
+  // components is the plain one.
+  constexpr double kDwarf = 3.834e-20, kGiant = 1.304e19;
+  const double giant = kGiant / static_cast<double>(n);
+  double large = 0.0, middle = 0.0, small = 0.0, large_max = 0.0, small_max = 0.0;
   for (int64_t i = 0; i < n; ++i) {
     const double a = std::abs(v[i * stride]);
-    if (a == 0.0) continue;
-    if (a > scale) {
-      scaled = 1.0 + scaled * (scale / a) * (scale / a);
-      scale = a;
-    } else {
-      scaled += (a / scale) * (a / scale);
+    if (a > kDwarf && a < giant) {
+      middle += a * a;
+    } else if (a > kDwarf) {
+      if (a > large_max) {
+        large = 1.0 + large * square(large_max / a);
+        large_max = a;
+      } else {
+        large += square(a / large_max);
+      }
+    } else if (a > small_max) {
+      small = 1.0 + small * square(small_max / a);
+      small_max = a;
+    } else if (a != 0.0) {
+      small += square(a / small_max);
     }
   }
-  return scale * std::sqrt(scaled);
+  if (large != 0.0) return large_max * std::sqrt(large + (middle / large_max) / large_max);
+  if (middle == 0.0) return small_max * std::sqrt(small);
+  if (middle >= small_max) return std::sqrt(middle * (1.0 + (small_max / middle) * (small_max * small)));
+  return std::sqrt(small_max * ((middle / small_max) + (small_max * small)));
 }
 
 void householder_qr(int64_t n, double* a, double* rdiag, double* column_norms) {
@@ -202,8 +218,8 @@ void dogleg(int64_t n, const double* r, const double* diag, const double* qtb, d
       const double bnorm = euclidean_norm(n, qtb);
       const double dq = delta / qnorm, sd = sgnorm / delta;
       double u = (bnorm / gnorm) * (bnorm / qnorm) * sd;
-      u = u - dq * sd * sd + std::sqrt((u - dq) * (u - dq) + (1.0 - dq * dq) * (1.0 - sd * sd));
-      alpha = dq * (1.0 - sd * sd) / u;
+      u = u - dq * square(sd) + std::sqrt(square(u - dq) + (1.0 - square(dq)) * (1.0 - square(sd)));
+      alpha = dq * (1.0 - square(sd)) / u;
     }
   }
   const double t = (1.0 - alpha) * std::min(sgnorm, delta);

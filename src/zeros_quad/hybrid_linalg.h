@@ -15,8 +15,8 @@ namespace vek::zeros_quad {
 // Position of the diagonal element R(j,j) in the row-packed triangle of order n.
 constexpr int64_t packed_diagonal(int64_t n, int64_t j) { return j * n - j * (j - 1) / 2; }
 
-// The Euclidean norm of v(0), v(stride), ..., n elements, without overflow or harmful underflow; NaN if an
-// element is NaN.
+// The Euclidean norm of v(0), v(stride), ..., n elements, without overflow or harmful underflow (a NaN
+// element need not show in the result: test values for NaN separately).
 double euclidean_norm(int64_t n, const double* v, int64_t stride = 1);
 
 // A = Q R by Householder reflections: on exit R strictly above the diagonal of a, the reflections below and on

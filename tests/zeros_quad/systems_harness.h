@@ -87,7 +87,8 @@ inline SystemRun run_system(Solver solver, const SystemSetup& s, int64_t ifail_i
     case Solver::qbf: c05qbf_(detail::fcn, &n, x, fvec, &s.xtol, iuser.data(), ruser.data(), &ifail); break;
     case Solver::qsf: {
       std::vector<int64_t> irow = s.irow, icol = s.icol;
-      for (int64_t k = 0; irow.empty() && k < nn * nn; ++k) irow.push_back(k % n + 1), icol.push_back(k / n + 1);
+      if (irow.empty())
+        for (int64_t k = 0; k < nn * nn; ++k) irow.push_back(k % n + 1), icol.push_back(k / n + 1);
       const int64_t nnz = s.nnz.value_or(static_cast<int64_t>(irow.size()));
       c05qsf_(detail::fcn, &n, x, fvec, &s.xtol, &nnz, irow.data(), icol.data(), iuser.data(), ruser.data(), &ifail);
       break;

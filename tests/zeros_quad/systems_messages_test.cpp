@@ -24,9 +24,14 @@ using vek::testing::SystemSetup;
 const SystemProblem kDecay = {  // exp(-x): ||f|| falls steadily and never reaches 0 before the limits
     "decay", [](int64_t, const double* x, double* f) { f[0] = std::exp(-x[0]); },
     [](int64_t, const double* x, double* j) { j[0] = -std::exp(-x[0]); }, [](int64_t, double* x) { x[0] = 0.0; }};
-const SystemProblem kSquareMinusTwo = {  // x^2 - 2: its root is not a double, so f never becomes 0
+const SystemProblem kSquareMinusTwo = {  // x^2 - 2 from the double nearest its root: no step can reduce f
     "square_minus_two", [](int64_t, const double* x, double* f) { f[0] = x[0] * x[0] - 2.0; },
-    [](int64_t, const double* x, double* j) { j[0] = 2.0 * x[0]; }, [](int64_t, double* x) { x[0] = 1.0; }};
+    [](int64_t, const double* x, double* j) { j[0] = 2.0 * x[0]; },
+    [](int64_t, double* x) { x[0] = 1.4142135623730951; }};
+const SystemProblem kKink = {  // sqrt|x - 1| + 1/2: the linear model keeps promising far more than it gives
+    "kink", [](int64_t, const double* x, double* f) { f[0] = std::sqrt(std::abs(x[0] - 1.0)) + 0.5; },
+    [](int64_t, const double* x, double* j) { j[0] = (x[0] > 1.0 ? 0.5 : -0.5) / std::sqrt(std::abs(x[0] - 1.0)); },
+    [](int64_t, double* x) { x[0] = 3.0; }};
 const SystemProblem kNoRoot = {  // (x^2 + 1, y^2 + 1): |f| is least at a point that is no root
     "no_root",
     [](int64_t n, const double* x, double* f) {
@@ -117,7 +122,7 @@ TEST(SystemMessages, EveryMessageOfEveryRoutine) {
       {"slow iterations", kFull, 4, {slow, "** from the last 10 iterations."},
        [](SystemSetup& s) { s.problem = kNoRoot, s.n = 2; }},
       {"slow Jacobians", kFull, 4, {slow, "** from the last 5 Jacobian evaluations."},
-       [](SystemSetup& s) { s.problem = kNoRoot, s.n = 1; }},
+       [](SystemSetup& s) { s.problem = kKink, s.n = 1; }},
       {"NaN from FCN", kAll, 5, kNotFiniteRecords, [](SystemSetup& s) { s.problem = kNotFinite, s.n = 1; }},
   };
   for (const MessageCase& c : cases) {
