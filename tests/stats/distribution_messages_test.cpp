@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <vector>
 
 #include "support/report.h"
 #include "vek.h"
@@ -128,33 +129,61 @@ TEST(DistributionMessages, DeviatesCheckTailThenPThenParameters) {
 }
 
 TEST(DistributionMessages, DiscreteDeviatesAndLogTails) {
-  char bad = 'C', lu = 'U';
+  char bad = 'C', x = 'X', lu = 'U';
   double half = 0.5, zero = 0.0, one = 1.0, neg = -1.0, two = 2.0, huge = 2e15;
   int64_t n = 10, nneg = -3, l = 4, big = 12;
   const std::string kProb0 = " ** Constraint: PROB > 0.0.", kProb1 = " ** Constraint: PROB < 1.0.";
-  // TAIL, then PROB (open at both ends), then the parameters in their order.
-  expect_report([&](int64_t* f) { g01bmf_(&bad, &nneg, &neg, &zero, f, 1); }, 1, {kTail + "C'"}, "G01BMF");
-  expect_report([&](int64_t* f) { g01bmf_(&lu, &nneg, &neg, &zero, f, 1); }, 2,
-                {" ** On entry, PROB = 0.", kProb0}, "G01BMF");
-  expect_report([&](int64_t* f) { g01bmf_(&lu, &nneg, &neg, &half, f, 1); }, 3,
-                {" ** On entry, N = -3.", " ** Constraint: N >= 0."}, "G01BMF");
-  expect_report([&](int64_t* f) { g01bmf_(&lu, &n, &two, &half, f, 1); }, 3,
-                {" ** On entry, P = 2.", " ** Constraint: P <= 1.0."}, "G01BMF");
-  expect_report([&](int64_t* f) { g01bnf_(&lu, &neg, &one, f, 1); }, 2, {" ** On entry, PROB = 1.", kProb1}, "G01BNF");
-  expect_report([&](int64_t* f) { g01bnf_(&lu, &huge, &half, f, 1); }, 3,
-                {" ** On entry, RLAMDA = 2e+15.", " ** Constraint: 0.0 <= RLAMDA <= 1.0e15."}, "G01BNF");
-  expect_report([&](int64_t* f) { g01bpf_(&lu, &n, &big, &l, &half, f, 1); }, 3,
-                {" ** On entry, L = 12 and N = 10.", " ** Constraint: 0 <= L <= N."}, "G01BPF");
-  expect_report([&](int64_t* f) { g01bpf_(&lu, &n, &l, &nneg, &half, f, 1); }, 3,
-                {" ** On entry, M = -3 and N = 10.", " ** Constraint: 0 <= M <= N."}, "G01BPF");
-  // The logarithms of the t, F and beta tails check as G01EBF, G01EDF and G01EEF do.
-  expect_report([&](int64_t* f) { g01etf_(&lu, &one, &zero, f, 1); }, 2,
-                {" ** On entry, DF = 0.", " ** Constraint: DF > 0.0."}, "G01ETF");
-  expect_report([&](int64_t* f) { g01euf_(&bad, &neg, &one, &one, f, 1); }, 1, {kTail + "C'"}, "G01EUF");
-  expect_report([&](int64_t* f) { g01euf_(&lu, &one, &one, &neg, f, 1); }, 3,
-                {" ** On entry, DF2 = -1.", " ** Constraint: DF2 > 0.0."}, "G01EUF");
-  expect_report([&](int64_t* f) { g01evf_(&lu, &two, &one, &one, f, 1); }, 2,
-                {" ** On entry, X = 2.", " ** Constraint: X <= 1.0."}, "G01EVF");
+  // TAIL, then PROB (open at both ends), then the parameters in their order; the logarithms of the t, F and
+  // beta tails check as G01EBF, G01EDF and G01EEF do.
+  const std::vector<vek::testing::ReportCase> cases = {
+      {"G01BMF", 1, {kTail.substr(1) + "C'"}, [&](int64_t* f) { g01bmf_(&bad, &nneg, &neg, &zero, f, 1); }},
+      {"G01BMF", 2, {"** On entry, PROB = 0.", kProb0.substr(1)},
+       [&](int64_t* f) { g01bmf_(&lu, &nneg, &neg, &zero, f, 1); }},
+      {"G01BMF", 2, {"** On entry, PROB = 1.", kProb1.substr(1)},
+       [&](int64_t* f) { g01bmf_(&lu, &nneg, &neg, &one, f, 1); }},
+      {"G01BMF", 3, {"** On entry, N = -3.", "** Constraint: N >= 0."},
+       [&](int64_t* f) { g01bmf_(&lu, &nneg, &neg, &half, f, 1); }},
+      {"G01BMF", 3, {"** On entry, P = -1.", "** Constraint: P >= 0.0."},
+       [&](int64_t* f) { g01bmf_(&lu, &n, &neg, &half, f, 1); }},
+      {"G01BMF", 3, {"** On entry, P = 2.", "** Constraint: P <= 1.0."},
+       [&](int64_t* f) { g01bmf_(&lu, &n, &two, &half, f, 1); }},
+      {"G01BNF", 1, {kTail.substr(1) + "C'"}, [&](int64_t* f) { g01bnf_(&bad, &neg, &zero, f, 1); }},
+      {"G01BNF", 2, {"** On entry, PROB = 0.", kProb0.substr(1)}, [&](int64_t* f) { g01bnf_(&lu, &neg, &zero, f, 1); }},
+      {"G01BNF", 2, {"** On entry, PROB = 1.", kProb1.substr(1)}, [&](int64_t* f) { g01bnf_(&lu, &neg, &one, f, 1); }},
+      {"G01BNF", 3, {"** On entry, RLAMDA = 2e+15.", "** Constraint: 0.0 <= RLAMDA <= 1.0e15."},
+       [&](int64_t* f) { g01bnf_(&lu, &huge, &half, f, 1); }},
+      {"G01BPF", 1, {kTail.substr(1) + "C'"}, [&](int64_t* f) { g01bpf_(&bad, &nneg, &big, &l, &zero, f, 1); }},
+      {"G01BPF", 2, {"** On entry, PROB = 0.", kProb0.substr(1)},
+       [&](int64_t* f) { g01bpf_(&lu, &nneg, &big, &l, &zero, f, 1); }},
+      {"G01BPF", 2, {"** On entry, PROB = 1.", kProb1.substr(1)},
+       [&](int64_t* f) { g01bpf_(&lu, &nneg, &big, &l, &one, f, 1); }},
+      {"G01BPF", 3, {"** On entry, N = -3.", "** Constraint: N >= 0."},
+       [&](int64_t* f) { g01bpf_(&lu, &nneg, &big, &l, &half, f, 1); }},
+      {"G01BPF", 3, {"** On entry, L = 12 and N = 10.", "** Constraint: 0 <= L <= N."},
+       [&](int64_t* f) { g01bpf_(&lu, &n, &big, &l, &half, f, 1); }},
+      {"G01BPF", 3, {"** On entry, M = -3 and N = 10.", "** Constraint: 0 <= M <= N."},
+       [&](int64_t* f) { g01bpf_(&lu, &n, &l, &nneg, &half, f, 1); }},
+      {"G01ETF", 1, {kTail.substr(1) + "X'"}, [&](int64_t* f) { g01etf_(&x, &one, &zero, f, 1); }},
+      {"G01ETF", 2, {"** On entry, DF = 0.", "** Constraint: DF > 0.0."},
+       [&](int64_t* f) { g01etf_(&lu, &one, &zero, f, 1); }},
+      {"G01EUF", 1, {kTail.substr(1) + "C'"}, [&](int64_t* f) { g01euf_(&bad, &neg, &one, &one, f, 1); }},
+      {"G01EUF", 2, {"** On entry, F = -1.", "** Constraint: F >= 0.0."},
+       [&](int64_t* f) { g01euf_(&lu, &neg, &neg, &neg, f, 1); }},
+      {"G01EUF", 3, {"** On entry, DF1 = -1.", "** Constraint: DF1 > 0.0."},
+       [&](int64_t* f) { g01euf_(&lu, &one, &neg, &neg, f, 1); }},
+      {"G01EUF", 3, {"** On entry, DF2 = -1.", "** Constraint: DF2 > 0.0."},
+       [&](int64_t* f) { g01euf_(&lu, &one, &one, &neg, f, 1); }},
+      {"G01EVF", 1, {kTail.substr(1) + "C'"}, [&](int64_t* f) { g01evf_(&bad, &neg, &neg, &neg, f, 1); }},
+      {"G01EVF", 2, {"** On entry, X = -1.", "** Constraint: X >= 0.0."},
+       [&](int64_t* f) { g01evf_(&lu, &neg, &neg, &neg, f, 1); }},
+      {"G01EVF", 2, {"** On entry, X = 2.", "** Constraint: X <= 1.0."},
+       [&](int64_t* f) { g01evf_(&lu, &two, &one, &one, f, 1); }},
+      {"G01EVF", 3, {"** On entry, A = -1.", "** Constraint: A > 0.0."},
+       [&](int64_t* f) { g01evf_(&lu, &half, &neg, &neg, f, 1); }},
+      {"G01EVF", 3, {"** On entry, B = -1.", "** Constraint: B > 0.0."},
+       [&](int64_t* f) { g01evf_(&lu, &half, &one, &neg, f, 1); }},
+  };
+  for (const auto& c : cases) vek::testing::expect_reports(c.what, {c});
 }
 
 double call(double (*fn)(const char*, const double*, const double*, int64_t*, int64_t), char tail, double x,
