@@ -1,5 +1,6 @@
 // c05qbf against GSL's scaled hybrid solver (gsl_multiroot_fsolver_hybrids, also Powell's method with a
-// difference Jacobian) on More-Garbow-Hillstrom systems from their standard starting points, in the same run.
+// difference Jacobian) on More-Garbow-Hillstrom systems from their standard starting points, in the same run,
+// the discrete boundary value problem also at n = 100 and 1000.
 // Both stop on the step: c05qbf with XTOL = 1e-10 (trust region radius <= XTOL ||x||), GSL when
 // gsl_multiroot_test_delta(dx, x, 0, 1e-10) holds. Counters per problem: function evaluations of each
 // ("vek_evals", "gsl_evals", the difference Jacobians' included), nanoseconds per solve ("vek_ns", "gsl_ns"),
@@ -11,6 +12,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "../tests/zeros_quad/mgh_systems.h"
@@ -26,7 +28,8 @@ struct Problem {
 };
 const Problem kProblems[] = {{"rosenbrock", 2},    {"helical_valley", 3},        {"discrete_bvp", 10},
                              {"trigonometric", 10}, {"broyden_tridiagonal", 10}, {"broyden_banded", 10},
-                             {"discrete_integral", 10}};
+                             {"discrete_integral", 10}, {"discrete_bvp", 100}, {"discrete_bvp", 1000}};
+constexpr int64_t kProblemCount = sizeof(kProblems) / sizeof(kProblems[0]);
 
 struct Counted {
   const vek::testing::SystemProblem* p;
@@ -91,10 +94,12 @@ double ns_per_solve(Solve solve, int repeats) {
 
 void BM_System(benchmark::State& state) {
   const int64_t problem = state.range(0);
-  state.SetLabel(kProblems[problem].name);
+  state.SetLabel(std::string(kProblems[problem].name) + " n=" + std::to_string(kProblems[problem].n));
   gsl_set_error_handler_off();
   gsl_multiroot_fsolver* s = gsl_multiroot_fsolver_alloc(gsl_multiroot_fsolver_hybrids, kProblems[problem].n);
-  constexpr int kRepeats = 20;
+  // Solves of n = 1000 take about a second (a dense n by n Jacobian by n differences, then O(n^3) per
+  // factorisation): one per timing there.
+  const int kRepeats = kProblems[problem].n >= 1000 ? 1 : kProblems[problem].n >= 100 ? 5 : 20;
   int64_t vek_evals = 0, gsl_evals = 0;
   double vek_ns = 0, gsl_ns = 0, vek_fnorm = 0, gsl_fnorm = 0;
   for (auto _ : state) {
@@ -116,5 +121,9 @@ void BM_System(benchmark::State& state) {
 
 }  // namespace
 
-BENCHMARK(BM_System)->DenseRange(0, 6)->ArgName("problem")->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_System)
+    ->DenseRange(0, kProblemCount - 1)
+    ->ArgName("problem")
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond);
 BENCHMARK_MAIN();

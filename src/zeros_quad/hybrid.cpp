@@ -219,6 +219,19 @@ HybridRequest take_step(const HybridArrays& a) {
   return HybridRequest::function;
 }
 
+// Whether a radius down to XTOL ||diag x|| has found a zero: the residual may be no larger than the linear model
+// f + J p can remove with a step of that size, ||f|| <= ||R diag^-1||_F XTOL ||diag x|| (a factor 10 spares the
+// Broyden-updated R). At a zero this holds with room to spare; at a minimum of ||f|| where the Jacobian is
+// singular the radius collapses just the same, but f is not small.
+bool residual_small(const HybridArrays& a, const RealState& w, double xtol) {
+  const int64_t n = a.n;
+  for (int64_t j = 0; j < n; ++j) {
+    for (int64_t i = 0; i <= j; ++i) w.wa2[i] = a.r[packed_diagonal(n, i) + j - i];
+    w.wa3[j] = euclidean_norm(j + 1, w.wa2) / a.diag[j];
+  }
+  return w.fnorm <= 10.0 * euclidean_norm(n, w.wa3) * (xtol * w.xnorm);
+}
+
 // Broyden's update of Q R towards the secant condition J step = f(trial) - f(best), and of Q^T f.
 void broyden_update(const HybridArrays& a, const RealState& w, bool accepted) {
   const int64_t n = a.n;
@@ -283,7 +296,9 @@ HybridRequest after_trial(const HybridArrays& a, const HybridSettings& s) {
 
   // Convergence first; of the other endings the last in MINPACK's order (limit, rounding, slow Jacobians,
   // slow steps) is reported when several hold.
-  if (w.delta <= s.xtol * w.xnorm || w.fnorm == 0.0) return finish(a, HybridOutcome::converged);
+  if (w.fnorm == 0.0) return finish(a, HybridOutcome::converged);
+  if (w.delta <= s.xtol * w.xnorm)
+    return finish(a, residual_small(a, w, s.xtol) ? HybridOutcome::converged : HybridOutcome::not_a_root);
   if (c.slow_steps() == kSlowIterations) return finish(a, HybridOutcome::slow_iterations);
   if (c.slow_jacobians() == kSlowJacobians) return finish(a, HybridOutcome::slow_jacobians);
   if (0.1 * std::max(0.1 * w.delta, w.pnorm) <= kEps * w.xnorm) return finish(a, HybridOutcome::xtol_too_small);
@@ -327,7 +342,7 @@ bool hybrid_state_valid(const HybridArrays& a, const HybridSettings& s) {
   if (c.stage() == Stage::difference && (c.group() < 0 || c.group() >= difference_groups(a, s))) return false;
   if (c.stage() == Stage::jacobian_value && !s.user_jacobian) return false;
   return c.stage() != Stage::finished ||
-         (c.outcome() >= 0 && c.outcome() <= static_cast<int64_t>(HybridOutcome::not_finite));
+         (c.outcome() >= 0 && c.outcome() <= static_cast<int64_t>(HybridOutcome::not_a_root));
 }
 
 void hybrid_abandon(const HybridArrays& a) {

@@ -40,6 +40,8 @@ enum class HybridOutcome {
   slow_jacobians,   // five Jacobian evaluations without a 10% reduction of ||f|| in the steps that followed
   slow_iterations,  // ten steps without a 0.1% reduction of ||f||
   not_finite,       // x or f at the start, or a Jacobian element, is NaN or infinite
+  not_a_root,       // the radius fell to XTOL ||diag x|| where ||f|| is larger than the linear model can
+                    // remove in such a step: a minimum of ||f|| with a singular Jacobian, not a zero
 };
 
 inline constexpr int64_t kSlowJacobians = 5;

@@ -101,7 +101,7 @@ DriverResult drive(const HybridArrays& a, const HybridSettings& s, int64_t nprin
 // and a fixed evaluation limit, the others say which test ended the run and give MAXFEV.
 template <class R>
 void report(frame::ErrorBuffer& err, HybridOutcome outcome, double xtol, int64_t maxfev) {
-  constexpr bool easy = requires { R::no_progress; };
+  constexpr bool easy = !requires { R::slow_iterations; };
   switch (outcome) {
     case HybridOutcome::converged: return;
     case HybridOutcome::too_many_calls:
@@ -115,6 +115,7 @@ void report(frame::ErrorBuffer& err, HybridOutcome outcome, double xtol, int64_t
       if constexpr (easy) return err.fail(R::no_progress);
       else return err.fail(R::slow_iterations, zeros_quad::kSlowIterations);
     case HybridOutcome::not_finite: return err.fail(R::not_finite);
+    case HybridOutcome::not_a_root: return err.fail(R::no_progress);
   }
 }
 

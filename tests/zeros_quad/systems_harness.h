@@ -3,6 +3,7 @@
 // FCN counts its calls and can be told to set IFLAG negative at a given call.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -30,6 +31,7 @@ struct SystemSetup {
   int64_t irevcm_start = 0;  // what the reverse-communication loop passes first
   std::vector<int64_t> irow{}, icol{};  // c05qsf's pattern (empty: every element)
   std::optional<int64_t> nnz{};         // default the pattern's length
+  double start_scale = 1.0;  // start from this times the standard point (this in every component if that is 0)
 };
 
 struct SystemRun {
@@ -72,6 +74,10 @@ inline SystemRun run_system(Solver solver, const SystemSetup& s, int64_t ifail_i
   SystemRun out;
   out.x.resize(nn);
   if (n > 0) s.problem.start(n, out.x.data());
+  if (s.start_scale != 1.0) {
+    const bool zero = std::all_of(out.x.begin(), out.x.end(), [](double v) { return v == 0.0; });
+    for (double& v : out.x) v = zero ? s.start_scale : s.start_scale * v;
+  }
   out.fvec.assign(nn, 0.0);
   out.fjac.assign(nn * nn, 0.0);
   out.r.assign(nn * (nn + 1) / 2, 0.0);

@@ -1,6 +1,6 @@
 // Every message of the six solvers for systems through the exported entries, to the character (support/report.h),
 // each provoked in every routine that declares it: the argument checks in order, FCN's request to stop, the
-// evaluation limits, XTOL too small, slow progress (both measures), a value that is not finite, and for the
+// evaluation limits, XTOL too small, slow progress (both measures), a radius down to XTOL away from any zero, a value that is not finite, and for the
 // reverse-communication forms a bad IREVCM and state arrays not written by the routine.
 #include <gtest/gtest.h>
 
@@ -42,6 +42,9 @@ const SystemProblem kNoRoot = {  // (x^2 + 1, y^2 + 1): |f| is least at a point 
     [](int64_t n, double* x) {
       for (int64_t i = 0; i < n; ++i) x[i] = 1.0 + static_cast<double>(i);
     }};
+const SystemProblem kFalseZero = {  // x^3 - 3x + 3 from 1.5: MINPACK ends "converged" at x = 1, where f = 1, f' = 0
+    "false_zero", [](int64_t, const double* x, double* f) { f[0] = (x[0] * x[0] - 3.0) * x[0] + 3.0; },
+    [](int64_t, const double* x, double* j) { j[0] = 3.0 * x[0] * x[0] - 3.0; }, [](int64_t, double* x) { x[0] = 1.5; }};
 const SystemProblem kNotFinite = {
     "nan", [](int64_t, const double*, double* f) { f[0] = NAN; }, [](int64_t, const double*, double* j) { j[0] = NAN; },
     [](int64_t, double* x) { x[0] = 1.0; }};
@@ -118,6 +121,13 @@ TEST(SystemMessages, EveryMessageOfEveryRoutine) {
        [](SystemSetup& s) { s.problem = kSquareMinusTwo, s.n = 1, s.xtol = 0.0; }},
       {"no progress", kEasy, 4, {"** The iteration is not making good progress."},
        [](SystemSetup& s) { s.problem = kNoRoot, s.n = 2; }},
+      {"radius at XTOL, no zero", kEasy, 4, {"** The iteration is not making good progress."},
+       [](SystemSetup& s) { s.problem = kFalseZero, s.n = 1, s.xtol = 1e-3; }},
+      {"radius at XTOL, no zero", kFull, 4,
+       {"** The iteration is not making good progress.",
+        "** The step fell to XTOL where the residual is not small: X may be a minimum",
+        "** of ||F(X)|| rather than a zero."},
+       [](SystemSetup& s) { s.problem = kFalseZero, s.n = 1, s.xtol = 1e-3; }},
       {"slow iterations", kFull, 4, {slow, "** from the last 10 iterations."},
        [](SystemSetup& s) { s.problem = kNoRoot, s.n = 2; }},
       {"slow Jacobians", kFull, 4, {slow, "** from the last 5 Jacobian evaluations."},

@@ -5,7 +5,10 @@ tested routine, and each root the run converged to refined by mpmath's Newton it
 
 Writes systems.txt beside this script, one run per line:
 
-    KIND PROBLEM N IFAIL NFEV NJEV ROOT_1 ... ROOT_N      (ROOT '-' when the run does not converge)
+    KIND PROBLEM N SCALE IFAIL NFEV NJEV ROOT_1 ... ROOT_N      (ROOT '-' when the run does not converge)
+
+SCALE is 1, 10 or 100: the run starts from SCALE times the standard point, or from SCALE in every component when
+the standard point is 0 (as the MINPACK test drivers do).
 
 KIND says which routine and settings the run stands for: easy (c05qbf: differences, DIAG = 1, FACTOR = 100,
 MAXFEV = 200*(N+1)), easy_jac (c05rbf: the same with the Jacobian), scaled (c05qcf with MODE = 1, ML = MU = N-1,
@@ -202,8 +205,20 @@ WITH_JACOBIAN = {"rosenbrock", "powell_singular", "powell_badly_scaled", "wood",
                  "broyden_tridiagonal", "broyden_banded"}
 
 
+class Overflowed(Exception):
+    """f overflowed: MINPACK's arithmetic with infinities is not the library's (a failed step), so no reference."""
+
+
 def numeric(f):
-    return lambda x: np.array([float(v) for v in f(list(x), math)])
+    def value(x):
+        try:
+            v = np.array([float(t) for t in f(list(x), math)])
+        except OverflowError:
+            raise Overflowed from None
+        if not np.all(np.isfinite(v)):
+            raise Overflowed
+        return v
+    return value
 
 
 def jacobian(f, n):
@@ -218,13 +233,23 @@ def jacobian(f, n):
 def refine(name, f, x):
     if name in EXACT:
         return [mp.mpf(EXACT[name])] * len(x)
-    root = mp.findroot(lambda *v: f(list(v), mp), [mp.mpf(float(v)) for v in x], tol=mp.mpf(10) ** -30)
+    try:
+        root = mp.findroot(lambda *v: f(list(v), mp), [mp.mpf(float(v)) for v in x], tol=mp.mpf(10) ** -30)
+    except (ValueError, ZeroDivisionError):
+        return None  # MINPACK stopped at a point that is not near a root
     return [root[i] for i in range(len(x))]
 
 
-def run(kind, name, n):
-    f = PROBLEMS[name]
+def start(name, n, scale):
     x0 = np.array(starts(name, n))
+    if scale == 1:
+        return x0
+    return scale * x0 if np.any(x0 != 0) else np.full(n, float(scale))
+
+
+def run(kind, name, n, scale):
+    f = PROBLEMS[name]
+    x0 = start(name, n, scale)
     user_jacobian = kind.endswith("_jac")
     options = dict(xtol=XTOL, maxfev=200 * (n + 1), factor=100, full_output=True, epsfcn=0.0)
     if kind.startswith("easy"):
@@ -233,24 +258,26 @@ def run(kind, name, n):
         options["band"] = BAND
     if user_jacobian:
         options["fprime"] = jacobian(f, n)
-    x, info, ier, _ = fsolve(numeric(f), x0, **options)
+    try:
+        x, info, ier, _ = fsolve(numeric(f), x0, **options)
+    except Overflowed:
+        return None
     ifail = {1: 0, 2: 2, 3: 3, 4: 4, 5: 4}[ier]
-    root = [mp.nstr(v, 17) if abs(v) > mp.mpf(10) ** -300 else "0" for v in refine(name, f, x)] if ifail == 0 else \
-        ["-"] * n
-    return f"{kind} {name} {n} {ifail} {info['nfev']} {info.get('njev', 0)} " + " ".join(root)
+    root = refine(name, f, x) if ifail == 0 else None
+    if ifail == 0 and root is None:
+        ifail = "0?"  # a false convergence: the library reports IFAIL 4 there
+    root = [mp.nstr(v, 17) if abs(v) > mp.mpf(10) ** -300 else "0" for v in root] if root else ["-"] * n
+    return f"{kind} {name} {n} {scale} {ifail} {info['nfev']} {info.get('njev', 0)} " + " ".join(root)
 
 
 def main():
     rows = ["# Made by make_systems_reference.py (beside this file): MINPACK hybrd/hybrj through SciPy's fsolve, roots"
             " refined by mpmath."]
-    for name, n in SIZES:
-        rows.append(run("easy", name, n))
-        rows.append(run("scaled", name, n))
-        if name == "broyden_banded":
-            rows.append(run("banded", name, n))
-        if name in WITH_JACOBIAN:
-            rows.append(run("easy_jac", name, n))
-            rows.append(run("scaled_jac", name, n))
+    for scale in (1, 10, 100):
+        for name, n in SIZES:
+            kinds = ["easy", "scaled"] + (["banded"] if name == "broyden_banded" else []) + \
+                (["easy_jac", "scaled_jac"] if name in WITH_JACOBIAN else [])
+            rows.extend(row for row in (run(kind, name, n, scale) for kind in kinds) if row)
     (HERE / "systems.txt").write_text("\n".join(rows) + "\n")
 
 
