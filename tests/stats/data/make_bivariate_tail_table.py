@@ -1,10 +1,8 @@
 #!/usr/bin/env python3
 """Reference values of the bivariate normal far in its lower orthant, for relative-accuracy tests.
 
-bivariate_tail.txt: x y rho P(X <= x, Y <= y), probabilities from about 1e-8 down to 1e-300, by quadrature
-of phi(t) Phi((y - rho t)/sqrt(1 - rho^2)) over t up to x at 40 digits (tanh-sinh on pieces that follow the
-scale 1/|x| of phi near x and the width sqrt(1 - rho^2)/|rho| of Phi's step), checked against the same
-integral taken over the other variable.
+bivariate_tail.txt: x y rho P(X <= x, Y <= y), probabilities from about 1e-8 down to 1e-300, by the quadrature
+of make_summary_tables.py at 40 digits, checked against the same integral taken over the other variable.
 
     python3 make_bivariate_tail_table.py
 """
@@ -13,26 +11,9 @@ from pathlib import Path
 
 import mpmath as mp
 
-from make_summary_tables import fmt
+from make_summary_tables import bivariate, fmt
 
 HERE = Path(__file__).resolve().parent
-
-
-def bivariate(x, y, rho):
-    with mp.workdps(40):
-        x, y, rho = mp.mpf(x), mp.mpf(y), mp.mpf(rho)
-        s = mp.sqrt((1 - rho) * (1 + rho))
-        g = lambda t: mp.npdf(t) * mp.ncdf((y - rho * t) / s)
-        scale = 1 / max(abs(x), 1)
-        pts = {x - scale * 2 ** j for j in range(-6, 12)}
-        if rho != 0:
-            t0, w = y / rho, s / abs(rho)
-            pts |= {t0 + c * w for c in (-64, -16, -8, -4, -2, -1, -0.5, 0, 0.5, 1, 2, 4, 8, 16, 64)}
-        pts = sorted(p for p in pts if p < x) + [x]
-        # quad's tolerance is absolute: the integrand is scaled to order 1 at its largest value on the pieces.
-        norm = 1 / max(g(p) for p in pts)
-        f = lambda t: norm * g(t)
-        return mp.quad(f, [-mp.inf] + pts, maxdegree=10) / norm
 
 
 def main():
