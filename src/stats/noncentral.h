@@ -19,3 +19,13 @@ TailPair noncentral_f(double f, double df1, double df2, double lambda);
 TailPair noncentral_t(double t, double df, double delta);
 
 }  // namespace vek::stats
+
+namespace vek::stats {
+
+// The deviates: the x whose lower tail is p (lower = true) or whose upper tail is p, 0 < p < 1, found by
+// solve_for_tail (tail_inverse.h) on the tails above, in u = ln x (chi-square, F) or u = asinh t.
+double noncentral_chi_square_deviate(double p, bool lower, double df, double lambda);
+double noncentral_f_deviate(double p, bool lower, double df1, double df2, double lambda);
+double noncentral_t_deviate(double p, bool lower, double df, double delta);
+
+}  // namespace vek::stats

@@ -15,6 +15,7 @@
 #include "stats/compensated_sum.h"
 #include "stats/gauss_legendre.h"
 #include "stats/normal_more.h"
+#include "stats/tail_inverse.h"
 
 namespace vek::stats {
 namespace {
@@ -158,43 +159,12 @@ RangeTails studentized_range(double q, double nu, int k) {
 }
 
 double studentized_range_deviate(double p, double nu, int k) {
-  // In u = ln q, the logarithm of the smaller tail against its target, increasing in u and near linear in
-  // the tails. A bracket grown from ln 3 by doubling steps (halved where the tail underflows), then the
-  // Illinois variant of regula falsi.
+  // In u = ln q the logarithm of either tail is near linear far out; the search, on the smaller tail, starts
+  // at q = 3.
   const bool lower = p <= 0.5;
-  const double target = std::log(lower ? p : 1.0 - p);
-  const auto g = [&](double u) {
-    const double tail = studentized_range_tail(std::exp(u), nu, k, lower);
-    return lower ? std::log(tail) - target : target - std::log(tail);
-  };
-  double a = std::log(3.0), ga = g(a), b = a, gb = ga, step = 1.0;
-  while (ga * gb > 0.0 || !std::isfinite(gb)) {
-    b = ga > 0.0 ? a - step : a + step;
-    gb = g(b);
-    if (std::isnan(gb)) return gb;  // no tail to bracket: stop rather than step forever
-    if (!std::isfinite(gb) && ga * gb < 0.0) {
-      step *= 0.5;  // past the underflow of the tail: a shorter step
-    } else if (ga * gb > 0.0) {
-      a = b;
-      ga = gb;
-      step *= 2.0;
-    }
-    if (std::fabs(a) > 745.0 || step < 1e-3) return std::exp(a);
-  }
-  if (gb == 0.0) return std::exp(b);
-  for (int i = 0; i < 100; ++i) {
-    const double c = b - gb * (b - a) / (gb - ga), gc = g(c);
-    if (gc == 0.0 || std::fabs(c - b) <= 1e-15 * std::fmax(1.0, std::fabs(c))) return std::exp(c);
-    if (gc * gb < 0.0) {
-      a = b;
-      ga = gb;
-    } else {
-      ga *= 0.5;
-    }
-    b = c;
-    gb = gc;
-  }
-  return std::exp(b);
+  return std::exp(solve_for_tail(lower ? p : 1.0 - p, lower, std::log(3.0), [&](double u, bool lower) {
+    return studentized_range_tail(std::exp(u), nu, k, lower);
+  }));
 }
 
 }  // namespace vek::stats

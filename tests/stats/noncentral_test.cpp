@@ -1,4 +1,5 @@
-// G01GBF, G01GCF and G01GDF against mpmath tables (both tails), their limits and every message.
+// G01GBF, G01GCF and G01GDF against mpmath tables (both tails), their limits, their deviates G01GTF, G01GXF and
+// G01GFF, and every message.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -118,6 +119,50 @@ TEST(Noncentral, TBothTailsAgainstReference) {
   EXPECT_TRUE(std::isnan(nct('L', NAN, 3.0, 2.0)));
 }
 
+// The deviates recover each tabled point from its tabled smaller tail, to what the conditioning allows: the
+// tail at the deviate is the asked-for one to 1e-12 relative, and the deviate is within that much of the
+// point, in units of the tail's own sensitivity to x (measured by differences of the probability routines).
+TEST(Noncentral, DeviatesInvertTheTabledTails) {
+  struct Family {
+    const char* file;
+    size_t parameters;
+    double (*probability)(char, double, const std::vector<double>&);
+    double (*deviate)(char, double, const std::vector<double>&, int64_t*);
+  };
+  const Family families[] = {
+      {"noncentral_chi2.txt", 2, [](char t, double x, const std::vector<double>& r) { return chi2(t, x, r[1], r[2]); },
+       [](char t, double p, const std::vector<double>& r, int64_t* f) { return g01gxf_(&t, &p, &r[1], &r[2], f, 1); }},
+      {"noncentral_f.txt", 3, [](char t, double x, const std::vector<double>& r) { return ncf(t, x, r[1], r[2], r[3]); },
+       [](char t, double p, const std::vector<double>& r, int64_t* f) {
+         return g01gff_(&t, &p, &r[1], &r[2], &r[3], f, 1);
+       }},
+      {"noncentral_t.txt", 2, [](char t, double x, const std::vector<double>& r) { return nct(t, x, r[1], r[2]); },
+       [](char t, double p, const std::vector<double>& r, int64_t* f) { return g01gtf_(&t, &p, &r[1], &r[2], f, 1); }},
+  };
+  for (const Family& fam : families) {
+    int checked = 0, row = 0;
+    for (const auto& r : data_table(fam.file)) {
+      if (row++ % 2 != 0) continue;  // every other point: each deviate costs some 40 probabilities
+      const double x = r[0], lower = r[fam.parameters + 1], upper = r[fam.parameters + 2];
+      const char tail = lower <= upper ? 'L' : 'U';
+      const double p = std::min(lower, upper);
+      const bool far_side = std::string(fam.file) == "noncentral_t.txt" && ((x < 0 && r[2] > 0) || (x >= 0 && r[2] < 0));
+      if (p < 1e-280 || p >= 0.5 || x == 0.0 || !std::isfinite(x)) continue;
+      int64_t ifail = 1;
+      const double got = fam.deviate(tail, p, r, &ifail);
+      EXPECT_EQ(ifail, 0);
+      const double tol = 1e-12 * p + (far_side ? 4e-16 : 0.0);  // the t's far-side tail is absolute
+      EXPECT_NEAR(fam.probability(tail, got, r), p, tol) << fam.file << " " << x << " got " << got;
+      const double h = 1e-6 * std::fabs(x);
+      const double slope = std::fabs(fam.probability(tail, x + h, r) - fam.probability(tail, x - h, r)) / (2 * h);
+      if (far_side && p < 1e-10) continue;  // the point itself is not resolved by an absolute tail
+      EXPECT_LE(std::fabs(got - x), 2 * tol / slope + 1e-14 * std::fabs(x)) << fam.file << " " << x;
+      ++checked;
+    }
+    EXPECT_GT(checked, 30) << fam.file;
+  }
+}
+
 TEST(Noncentral, Messages) {
   char tail = 'C';
   double x = 1.0, df = 2.0, lam = 3.0, df2 = 4.0;
@@ -153,6 +198,41 @@ TEST(Noncentral, Messages) {
   x = NAN;
   df = -1.0;
   expect_report(chi, 2, {" ** On entry, X = NaN.", " ** Constraint: X >= 0.0."}, "G01GCF");
+}
+
+// The deviates check TAIL, then P (open at both ends), then the parameters in their order.
+TEST(Noncentral, DeviateMessages) {
+  char bad = 'S', lu = 'L';
+  double half = 0.5, zero = 0.0, one = 1.0, two = 2.0, neg = -1.0, big = 2e6, far = 1001.0;
+  const std::string kTail = "** On entry, TAIL is not valid: TAIL = 'S'";
+  const std::vector<vek::testing::ReportCase> cases = {
+      {"G01GXF", 1, {kTail}, [&](int64_t* f) { g01gxf_(&bad, &zero, &neg, &neg, f, 1); }},
+      {"G01GXF", 2, {"** On entry, P = 0.", "** Constraint: P > 0.0."}, [&](int64_t* f) { g01gxf_(&lu, &zero, &neg, &neg, f, 1); }},
+      {"G01GXF", 2, {"** On entry, P = 1.", "** Constraint: P < 1.0."}, [&](int64_t* f) { g01gxf_(&lu, &one, &neg, &neg, f, 1); }},
+      {"G01GXF", 3, {"** On entry, DF = 2e+06.", "** Constraint: 0.0 < DF <= 1.0e6."},
+       [&](int64_t* f) { g01gxf_(&lu, &half, &big, &neg, f, 1); }},
+      {"G01GXF", 3, {"** On entry, RLAMDA = -1.", "** Constraint: 0.0 <= RLAMDA <= 1.0e6."},
+       [&](int64_t* f) { g01gxf_(&lu, &half, &two, &neg, f, 1); }},
+      {"G01GFF", 1, {kTail}, [&](int64_t* f) { g01gff_(&bad, &zero, &neg, &neg, &neg, f, 1); }},
+      {"G01GFF", 2, {"** On entry, P = 0.", "** Constraint: P > 0.0."},
+       [&](int64_t* f) { g01gff_(&lu, &zero, &neg, &neg, &neg, f, 1); }},
+      {"G01GFF", 2, {"** On entry, P = 1.", "** Constraint: P < 1.0."},
+       [&](int64_t* f) { g01gff_(&lu, &one, &neg, &neg, &neg, f, 1); }},
+      {"G01GFF", 3, {"** On entry, DF1 = -1.", "** Constraint: 0.0 < DF1 <= 1.0e6."},
+       [&](int64_t* f) { g01gff_(&lu, &half, &neg, &neg, &neg, f, 1); }},
+      {"G01GFF", 3, {"** On entry, DF2 = 0.", "** Constraint: 0.0 < DF2 <= 1.0e6."},
+       [&](int64_t* f) { g01gff_(&lu, &half, &two, &zero, &neg, f, 1); }},
+      {"G01GFF", 3, {"** On entry, RLAMDA = 2e+06.", "** Constraint: 0.0 <= RLAMDA <= 1.0e6."},
+       [&](int64_t* f) { g01gff_(&lu, &half, &two, &two, &big, f, 1); }},
+      {"G01GTF", 1, {kTail}, [&](int64_t* f) { g01gtf_(&bad, &zero, &neg, &far, f, 1); }},
+      {"G01GTF", 2, {"** On entry, P = 0.", "** Constraint: P > 0.0."}, [&](int64_t* f) { g01gtf_(&lu, &zero, &neg, &far, f, 1); }},
+      {"G01GTF", 2, {"** On entry, P = 1.", "** Constraint: P < 1.0."}, [&](int64_t* f) { g01gtf_(&lu, &one, &neg, &far, f, 1); }},
+      {"G01GTF", 3, {"** On entry, DF = -1.", "** Constraint: 0.0 < DF <= 1.0e6."},
+       [&](int64_t* f) { g01gtf_(&lu, &half, &neg, &far, f, 1); }},
+      {"G01GTF", 3, {"** On entry, DELTA = 1001.", "** Constraint: abs(DELTA) <= 1000.0."},
+       [&](int64_t* f) { g01gtf_(&lu, &half, &two, &far, f, 1); }},
+  };
+  for (const auto& c : cases) vek::testing::expect_reports(c.what, {c});
 }
 
 }  // namespace
