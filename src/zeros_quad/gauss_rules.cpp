@@ -139,23 +139,20 @@ void standard_rule(const Recurrence& r, std::vector<Real>& t, std::vector<Real>&
   for (size_t k = 0; k < r.alpha.size(); ++k) norm = std::max(norm, std::abs(r.alpha[k]) + 2 * r.sqrt_beta[k + 1]);
   // An even weight: the lower half is refined and mirrored (the middle abscissa of an odd rule is 0).
   const size_t count = r.symmetric ? (t.size() + 1) / 2 : t.size();
-  for (size_t i = 0; i < count; ++i) {
-    Real& ti = t[i];
-    // The eigenvalue is within a few eps * norm; a step beyond 1e-8 norm means the value was not informative
-    // and is not taken. Convergence is quadratic: three or four steps to the extended precision.
-    for (int step = 0; step < 8; ++step) {
-      const AtPoint at = evaluate(r, ti);
-      if (at.dq == 0 || !std::isfinite(at.q / at.dq)) break;
-      const Real delta = at.q / at.dq;
-      if (std::abs(delta) > 1e-8L * norm) break;
-      ti -= delta;
-      if (std::abs(delta) <= 0x1p-66L * std::abs(ti)) break;
-    }
-  }
   weight.resize(t.size());
   exponent.resize(t.size());
   for (size_t i = 0; i < count; ++i) {
-    const AtPoint at = evaluate(r, t[i]);
+    // The eigenvalue is within a few eps * norm; a step beyond 1e-8 norm means the value was not informative
+    // and is not taken. Convergence is quadratic: two or three evaluations, the last (whose step no longer
+    // changes t) giving the weight.
+    AtPoint at = evaluate(r, t[i]);
+    for (int step = 0; step < 8; ++step) {
+      if (at.dq == 0 || !std::isfinite(at.q / at.dq)) break;
+      const Real delta = at.q / at.dq;
+      if (std::abs(delta) > 1e-8L * norm || std::abs(delta) <= 0x1p-66L * std::abs(t[i])) break;
+      t[i] -= delta;
+      at = evaluate(r, t[i]);
+    }
     weight[i] = 1 / at.sum;
     exponent[i] = -600 * at.scalings;
   }

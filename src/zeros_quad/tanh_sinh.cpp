@@ -14,6 +14,7 @@
 #include "zeros_quad/tanh_sinh.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <numbers>
@@ -33,12 +34,31 @@ struct Node {
   double weight;    // without the step
 };
 
-Node node(double t, double half) {
+// The node at t for the half-width 1 (distance 0: beyond the doubles).
+Node unit_node(double t) {
+  if (t == 0.0) return {1.0, half_pi};
   const double u = half_pi * std::sinh(std::abs(t));
   const double e = std::exp(-2.0 * u);
   if (e < kMinE) return {0.0, 0.0};
   const double onepe = 1.0 + e;
-  return {half * (2.0 * e / onepe), half * half_pi * std::cosh(t) * (4.0 * e / (onepe * onepe))};
+  return {2.0 * e / onepe, half_pi * std::cosh(t) * (4.0 * e / (onepe * onepe))};
+}
+
+// The unit nodes of the first six halvings (|t| = j / 64 up to 6.5), made once: most integrations end within
+// them, and a node costs three transcendental functions.
+constexpr int kTabledSteps = 64;
+constexpr int kTabledNodes = 6 * kTabledSteps + kTabledSteps / 2 + 1;
+
+Node node(double t, double half) {
+  static const std::array<Node, kTabledNodes> table = [] {
+    std::array<Node, kTabledNodes> nodes{};
+    for (int j = 0; j < kTabledNodes; ++j) nodes[static_cast<size_t>(j)] = unit_node(j / double{kTabledSteps});
+    return nodes;
+  }();
+  const double scaled = std::abs(t) * kTabledSteps;
+  const Node unit = scaled < kTabledNodes && scaled == std::floor(scaled) ? table[static_cast<size_t>(scaled)]
+                                                                          : unit_node(t);
+  return {half * unit.distance, half * unit.weight};
 }
 
 class Sweep {
@@ -48,7 +68,7 @@ class Sweep {
   // Adds the term at t (both sides are separate calls); false when the abscissa is beyond the doubles or the
   // integrand is not finite there (then out.end is set).
   bool add(double t, double& term, TanhSinhOutcome& out) {
-    const Node n = t == 0.0 ? Node{half_, half_ * half_pi} : node(t, half_);
+    const Node n = node(t, half_);
     if (n.distance == 0.0) return false;
     const double x = t <= 0.0 ? lo_ + n.distance : hi_ - n.distance;
     const double xc = t <= 0.0 ? n.distance : -n.distance;

@@ -47,8 +47,8 @@ double scale_of(int64_t itype, double a, double b) {
 
 TEST(GaussRules, AgreeWithMpmath) {
   std::ifstream in(std::string(VEK_TEST_DATA_DIR) + "/gauss_rules.txt");
-  // The worst errors allowed: abscissae 1 ulp of max(|x|, scale), weights 4 ulps (measured: 0.5 and 3.3).
-  constexpr double node_ulps = 1, weight_ulps = 4;
+  // The worst errors allowed: abscissae 1 ulp of max(|x|, scale), weights 6 ulps (measured: 0.5 and 3.9).
+  constexpr double node_ulps = 1, weight_ulps = 6;
   int cases = 0;
   for (std::string line; std::getline(in, line);) {
     if (line.empty() || line[0] == '#') continue;
@@ -72,7 +72,7 @@ TEST(GaussRules, AgreeWithMpmath) {
     EXPECT_LE(worst_w, weight_ulps);
     ++cases;
   }
-  EXPECT_EQ(cases, 20);
+  EXPECT_EQ(cases, 21);
 }
 
 // sum W(i) g(X(i)) against the integral of w g for the monomials (rational family: powers of 1/(x+B)) up to

@@ -2,7 +2,7 @@
 """Reference Gauss rules for d01bcf and d01baf from mpmath at 40 digits.
 
 Legendre rules come from mpmath's own Gauss-Legendre nodes (mpmath.calculus.quadrature.GaussLegendre, the
-rules of 3 * 2^(k-1) points that mp.quad uses). The other families by the method of Golub and Welsch carried
+rules of 3 * 2^(k-1) points that mp.quad uses; the one of 384 points takes a minute). The other families by the method of Golub and Welsch carried
 out in 40-digit arithmetic: the eigenvalues and eigenvectors of the Jacobi matrix (mp.eigsy), the weights mu0
 times the squared first components, with the recurrence coefficients of Gautschi (2004, Table 1.1). Writes
 gauss_rules.txt beside this script:
@@ -55,7 +55,7 @@ def golub_welsch(alpha, beta, mu0):
 
 
 def legendre_standard(n):
-    degree = {3: 1, 6: 2, 12: 3, 24: 4, 48: 5, 96: 6, 192: 7}[n]
+    degree = {3: 1, 6: 2, 12: 3, 24: 4, 48: 5, 96: 6, 192: 7, 384: 8}[n]
     nodes = GaussLegendre(mp.mp).calc_nodes(degree, mp.mp.prec)
     return [(x, w) for x, w in nodes]
 
@@ -88,6 +88,7 @@ def rule(itype, a, b, c, d, n):
 
 CASES = [
     (1, 0, 1, 0, 0, 3), (1, -1, 1, 0, 0, 6), (1, -3, 7, 0, 0, 12), (1, 0, 1, 0, 0, 48), (1, -1, 1, 0, 0, 192),
+    (1, -2, 3, 0, 0, 384),
     (2, 1, 0.5, 2, 0, 5), (2, 0, 1, 3.5, 0, 12), (-2, 2, -1, 2.5, 0, 8),
     (3, 0, 1, 0, 0, 6), (3, 1, 2.5, 1.5, 0, 20), (3, 0, 1, -0.5, 0, 40), (-3, 0, 1, 0, 0, 30),
     (4, 0, 1, 0, 0, 5), (4, 2, 0.5, 0, 0, 20), (4, 0, 1, 0, 0, 60), (-4, 0, 1, 0, 0, 31),
