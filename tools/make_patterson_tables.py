@@ -17,18 +17,9 @@ w87a/w87b the 87-point weights at x1, x2, x3 and at x4 then the centre.
 """
 import mpmath as mp
 
+from make_kronrod_tables import evaluate, legendre_coefficients, moment
+
 mp.mp.dps = 300
-
-
-def moment(j):
-    return mp.mpf(2) / (j + 1) if j % 2 == 0 else mp.mpf(0)
-
-
-def evaluate(coeffs, x):
-    s = mp.mpf(0)
-    for c in reversed(coeffs):
-        s = s * x + c
-    return s
 
 
 def monic_from_roots(roots):
@@ -79,16 +70,8 @@ def weights(nodes):
 
 
 def gauss_nodes(n):
-    p0, p1 = [mp.mpf(1)], [mp.mpf(0), mp.mpf(1)]
-    for k in range(1, n):
-        nxt = [mp.mpf(0)] * (k + 2)
-        for i, c in enumerate(p1):
-            nxt[i + 1] += (2 * k + 1) * c / (k + 1)
-        for i, c in enumerate(p0):
-            nxt[i] -= k * c / (k + 1)
-        p0, p1 = p1, nxt
-    roots = mp.polyroots(list(reversed(p1)), maxsteps=500, extraprec=600)
-    return sorted(mp.re(z) for z in roots)
+    p = legendre_coefficients(n)
+    return sorted(mp.re(z) for z in mp.polyroots(list(reversed(p)), maxsteps=500, extraprec=600))
 
 
 def positive_descending(xs):

@@ -15,21 +15,13 @@
 #include <vector>
 
 #include "quadinf_integrands.h"
+#include "quadrature_harness.h"
 #include "support/report.h"
 #include "vek.h"
 
 namespace {
 
-quadrature_integrand_fn g_integrand = nullptr;
-int64_t* g_iuser = nullptr;
-double* g_ruser = nullptr;
-
-// IUSER(1) counts the calls, RUSER(1) is the integrand's parameter; both must arrive as passed.
-double user_f(const double* x, int64_t* iuser, double* ruser) {
-  EXPECT_TRUE(iuser == g_iuser && ruser == g_ruser);
-  ++iuser[0];
-  return g_integrand(*x, ruser[0]);
-}
+using namespace quadrature_harness;
 
 struct Call {
   std::string routine;  // d01amf: p = BOUND INF; d01aqf: A B C; d01apf: A B ALFA BETA KEY; d01bdf: A B
@@ -38,14 +30,6 @@ struct Call {
   std::vector<double> p;
   double epsabs, epsrel;
   int64_t lw, liw;
-};
-
-struct Outcome {
-  int64_t ifail = 0;
-  double result = 0, abserr = 0;
-  int64_t evaluations = 0;
-  std::vector<double> w;
-  std::vector<int64_t> iw;
 };
 
 Outcome run(const Call& c, int64_t ifail = 1) {
@@ -76,10 +60,6 @@ Outcome run(const Call& c, int64_t ifail = 1) {
   r.evaluations = iuser[0];
   return r;
 }
-
-struct Interval {
-  double a, b, value, error;
-};
 
 struct GslCase {
   Call call;
@@ -129,16 +109,6 @@ std::vector<GslCase> gsl_cases() {
   return cases;
 }
 
-std::set<std::string> deviating_cases() {
-  std::ifstream in(data_path("quadinf_deviations.txt"));
-  std::set<std::string> keys;
-  for (std::string line; std::getline(in, line);)
-    if (!line.empty() && line[0] != '#') keys.insert(line.substr(0, line.find(" |")));
-  return keys;
-}
-
-bool close(double x, double y, double rel) { return std::abs(x - y) <= rel * std::max(std::abs(x), std::abs(y)); }
-
 // The interval lists against GSL's: an estimate at the rule's floor 50 eps resabs may be down to half GSL's
 // (eps = 2^-53 here, 2^-52 there).
 void expect_lists(const Outcome& r, const GslCase& c) {
@@ -172,7 +142,7 @@ void expect_workspace(const Outcome& r, const GslCase& c) {
 
 TEST(QuadInf, AgreesWithGslAndExactValues) {
   const std::vector<GslCase> cases = gsl_cases();
-  const std::set<std::string> deviating = deviating_cases();
+  const std::set<std::string> deviating = deviating_cases("quadinf_deviations.txt");
   ASSERT_EQ(cases.size(), 63u);
   std::map<std::string, std::set<int64_t>> ends;  // the IFAIL values the data reach, by routine
   size_t agreeing = 0, exact_checked = 0;

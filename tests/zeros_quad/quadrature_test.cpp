@@ -18,29 +18,13 @@
 #include "frame/text.h"
 #include "layers/d01.h"
 #include "quadrature_integrands.h"
+#include "quadrature_harness.h"
 #include "support/report.h"
 #include "vek.h"
 
 namespace {
 
-quadrature_integrand_fn g_integrand = nullptr;
-int64_t* g_iuser = nullptr;
-double* g_ruser = nullptr;
-
-// IUSER(1) counts the calls, RUSER(1) is the integrand's parameter; both must arrive as passed.
-double user_f(const double* x, int64_t* iuser, double* ruser) {
-  EXPECT_TRUE(iuser == g_iuser && ruser == g_ruser);
-  ++iuser[0];
-  return g_integrand(*x, ruser[0]);
-}
-
-struct Outcome {
-  int64_t ifail = 0;
-  double result = 0, abserr = 0;
-  int64_t evaluations = 0;
-  std::vector<double> w;
-  std::vector<int64_t> iw;
-};
+using namespace quadrature_harness;
 
 // ROUTINE is d01ajf, d01akf or d01alf (with the break-points `points`).
 Outcome integrate(const std::string& routine, quadrature_integrand_fn f, double alpha, double a, double b,
@@ -64,10 +48,6 @@ Outcome integrate(const std::string& routine, quadrature_integrand_fn f, double 
   r.evaluations = iuser[0];
   return r;
 }
-
-struct Interval {
-  double a, b, value, error;
-};
 
 struct GslCase {
   std::string routine, integrand;
@@ -99,8 +79,6 @@ std::vector<GslCase> gsl_cases() {
   return cases;
 }
 
-bool close(double x, double y, double rel) { return std::abs(x - y) <= rel * std::max(std::abs(x), std::abs(y)); }
-
 // W holds LAST intervals tiling [min(A,B), max(A,B)] in increasing order (zeros after the four lists), IW(1) =
 // LAST, and F was evaluated as often as LAST says.
 void expect_workspace(const Outcome& r, const GslCase& c) {
@@ -129,15 +107,6 @@ void expect_lists(const Outcome& r, const GslCase& c) {
   }
 }
 
-// The cases of data/quadrature_deviations.txt, where the routines part from GSL by design, with the reason.
-std::set<std::string> deviating_cases() {
-  std::ifstream in(std::string(VEK_TEST_DATA_DIR) + "/quadrature_deviations.txt");
-  std::set<std::string> keys;
-  for (std::string line; std::getline(in, line);)
-    if (!line.empty() && line[0] != '#') keys.insert(line.substr(0, line.find(" |")));
-  return keys;
-}
-
 std::string case_key(const GslCase& c) {
   std::ostringstream key;
   key << c.routine << " " << c.integrand << " " << c.alpha << " " << c.epsabs << " " << c.epsrel << " " << c.limit;
@@ -146,7 +115,7 @@ std::string case_key(const GslCase& c) {
 
 TEST(Quadrature, AgreesWithGslAndReversesLimits) {
   const std::vector<GslCase> cases = gsl_cases();
-  const std::set<std::string> deviating = deviating_cases();
+  const std::set<std::string> deviating = deviating_cases("quadrature_deviations.txt");
   ASSERT_EQ(cases.size(), 70u);
   ASSERT_EQ(deviating.size(), 9u);
   std::set<int64_t> extrapolating_ends;  // the data reach every IFAIL of d01ajf, so W is checked after each

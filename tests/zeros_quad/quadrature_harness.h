@@ -1,0 +1,56 @@
+// What the D01 tests share: the user function that counts its calls in IUSER(1) and evaluates a test integrand
+// with the parameter RUSER(1), the outcome of a call, the reference subinterval lists of GSL's runs and the cases that part from them.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <fstream>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "quadrature_integrands.h"
+
+namespace quadrature_harness {
+
+inline quadrature_integrand_fn g_integrand = nullptr;
+inline int64_t* g_iuser = nullptr;
+inline double* g_ruser = nullptr;
+
+// IUSER(1) counts the calls, RUSER(1) is the integrand's parameter; both must arrive as passed.
+inline double user_f(const double* x, int64_t* iuser, double* ruser) {
+  EXPECT_TRUE(iuser == g_iuser && ruser == g_ruser);
+  ++iuser[0];
+  return g_integrand(*x, ruser[0]);
+}
+
+struct Outcome {
+  int64_t ifail = 0;
+  double result = 0, abserr = 0;
+  int64_t evaluations = 0;
+  std::vector<double> w;
+  std::vector<int64_t> iw;
+};
+
+struct Interval {
+  double a, b, value, error;
+};
+
+inline bool close(double x, double y, double rel) {
+  return std::abs(x - y) <= rel * std::max(std::abs(x), std::abs(y));
+}
+
+// The keys of the cases listed in a deviations file of the test data ("KEY | reason" lines), where a routine
+// takes another path than GSL's transcription by design.
+inline std::set<std::string> deviating_cases(const char* file) {
+  std::ifstream in(std::string(VEK_TEST_DATA_DIR) + "/" + file);
+  std::set<std::string> keys;
+  for (std::string line; std::getline(in, line);)
+    if (!line.empty() && line[0] != '#') keys.insert(line.substr(0, line.find(" |")));
+  return keys;
+}
+
+}  // namespace quadrature_harness
