@@ -103,7 +103,7 @@ std::vector<GslCase> gsl_cases() {
     if (exact.count(c.key)) std::tie(c.exact, c.rtol) = exact[c.key];
     c.intervals.resize(static_cast<size_t>(c.last));
     for (Interval& i : c.intervals) in >> i.a >> i.b >> i.value >> i.error;
-    std::getline(in, line);
+    if (c.last > 0) std::getline(in, line);  // the end of the last interval's line
     cases.push_back(c);
   }
   return cases;
@@ -127,7 +127,7 @@ void expect_workspace(const Outcome& r, const GslCase& c) {
 TEST(QuadInf, AgreesWithGslAndExactValues) {
   const std::vector<GslCase> cases = gsl_cases();
   const std::set<std::string> deviating = deviating_cases("quadinf_deviations.txt");
-  ASSERT_EQ(cases.size(), 63u);
+  ASSERT_EQ(cases.size(), 58u);
   std::map<std::string, std::set<int64_t>> ends;  // the IFAIL values the data reach, by routine
   size_t agreeing = 0, exact_checked = 0;
   for (const GslCase& c : cases) {
@@ -178,12 +178,17 @@ TEST(QuadInf, AgreesWithGslAndExactValues) {
 }
 
 double nan_f(double, double) { return std::numeric_limits<double>::quiet_NaN(); }
+// Integrands over (0, inf) for the failures of d01amf: exp(-x) with a fast ripple of amplitude 10^-alpha (round-off),
+// x^alpha exp(-x) (round-off in the extrapolation table for alpha near -1), exp(-x)/|x - alpha| (not integrable).
+double exp_rippled(double x, double alpha) { return std::exp(-x) * (1 + std::pow(10.0, -alpha) * std::sin(1e7 * x)); }
+double power_exp(double x, double alpha) { return std::pow(x, alpha) * std::exp(-x); }
+double exp_over_distance(double x, double alpha) { return std::exp(-x) / std::abs(x - alpha); }
 
 // LIMIT = 1 (2 for d01apf): the first step alone, then IFAIL 1 with W packed; INF = -1 as the mirror image of
 // INF = 1; A = B; an integrand that is NaN everywhere ends in a documented IFAIL within LIMIT subintervals.
 TEST(QuadInf, EdgeCases) {
   for (const int64_t inf : {1, 2}) {
-    const Outcome one = run({"d01amf", qi_log_lorentz, 0, {0, double(inf)}, 0, 1e-10, 7, 1});
+    const Outcome one = run({"d01amf", qi_gauss_linear, 1, {0, double(inf)}, 0, 1e-14, 7, 1});
     EXPECT_EQ(one.ifail, 1);
     EXPECT_EQ(one.evaluations, 15 * inf);
     EXPECT_EQ(one.w, (std::vector<double>{0, 1, one.abserr, one.result, 0, 0, 0}));
@@ -244,7 +249,11 @@ TEST(QuadInf, EveryMessage) {
        {"LW", 6, {"** On entry, LW = 3", "** Constraint: LW >= 4."}, call({"d01amf", qi_exp, -1, {0, 1}, 0, 1e-10, 3, 100})},
        {"LIW", 6, {"** On entry, LIW = 0", "** Constraint: LIW >= 1."}, call({"d01amf", qi_exp, -1, {0, 1}, 0, 1e-10, 4, 0})},
        {"limit", 1, limit_2, call({"d01amf", qi_log_lorentz, 0, {0, 1}, 0, 1e-10, 9, 2})},
-       {"round-off", 2, round_off("0", "1.2e-14"), call({"d01amf", qi_gauss_linear, 1, {0, 2}, 0, 1.2e-14, 4000, 1000})},
+       {"round-off", 2, round_off("0", "1e-12"), call({"d01amf", exp_rippled, 8, {0, 1}, 0, 1e-12, 4000, 1000})},
+       {"bad integrand", 3, bad_integrand_records(run({"d01amf", exp_over_distance, 1.5, {0, 1}, 0, 1e-10, 4000, 1000})),
+        call({"d01amf", exp_over_distance, 1.5, {0, 1}, 0, 1e-10, 4000, 1000})},
+       {"table round-off", 4, {"** Round-off error is detected in the extrapolation table."},
+        call({"d01amf", power_exp, -0.99, {0, 1}, 0, 1e-12, 4000, 1000})},
        {"divergent", 5, {"** The integral is probably divergent or slowly convergent."},
         call({"d01amf", qi_sin, 1, {0, 1}, 0, 1e-6, 800, 200})}});
   vek::testing::expect_reports(
@@ -256,7 +265,9 @@ TEST(QuadInf, EveryMessage) {
        {"LW", 6, {"** On entry, LW = 3", "** Constraint: LW >= 4."}, call({"d01aqf", qi_exp, 1, {0, 1, 0.5}, 0, 1e-10, 3, 100})},
        {"LIW", 6, {"** On entry, LIW = 0", "** Constraint: LIW >= 1."}, call({"d01aqf", qi_exp, 1, {0, 1, 0.5}, 0, 1e-10, 4, 0})},
        {"limit", 1, limit_2, call({"d01aqf", qi_peak, 2, {0, 1, 0.5}, 0, 1e-10, 9, 2})},
-       {"round-off", 2, round_off("0", "1e-12"), call({"d01aqf", qi_rippled, 8, {0, 1, 0.4}, 0, 1e-12, 4000, 1000})}});
+       {"round-off", 2, round_off("0", "1e-12"), call({"d01aqf", qi_rippled, 8, {0, 1, 0.4}, 0, 1e-12, 4000, 1000})},
+       {"bad integrand", 3, bad_integrand_records(run({"d01aqf", qi_step, 0.3, {0, 1, 0.7}, 1e-14, 0, 4000, 1000})),
+        call({"d01aqf", qi_step, 0.3, {0, 1, 0.7}, 1e-14, 0, 4000, 1000})}});
   vek::testing::expect_reports(
       "D01APF",
       {{"B", 6, {"** On entry, A = 1 and B = 1.", "** Constraint: B > A."},
@@ -269,7 +280,10 @@ TEST(QuadInf, EveryMessage) {
         call({"d01apf", qi_exp, 1, {0, 1, 0, 0, 5}, 0, 1e-10, 400, 100})},
        {"LW", 6, {"** On entry, LW = 7", "** Constraint: LW >= 8."}, call({"d01apf", qi_exp, 1, {0, 1, 0, 0, 1}, 0, 1e-10, 7, 100})},
        {"LIW", 6, {"** On entry, LIW = 1", "** Constraint: LIW >= 2."}, call({"d01apf", qi_exp, 1, {0, 1, 0, 0, 1}, 0, 1e-10, 8, 1})},
-       {"limit", 1, limit_2, call({"d01apf", qi_peak, 3, {0, 1, -0.5, 0.5, 1}, 0, 1e-10, 9, 2})}});
+       {"limit", 1, limit_2, call({"d01apf", qi_peak, 3, {0, 1, -0.5, 0.5, 1}, 0, 1e-10, 9, 2})},
+       {"round-off", 2, round_off("0", "1e-12"), call({"d01apf", qi_rippled, 8, {0, 1, -0.5, -0.5, 1}, 0, 1e-12, 4000, 1000})},
+       {"bad integrand", 3, bad_integrand_records(run({"d01apf", qi_step, 0.3, {0, 1, -0.5, -0.5, 1}, 1e-14, 0, 4000, 1000})),
+        call({"d01apf", qi_step, 0.3, {0, 1, -0.5, -0.5, 1}, 1e-14, 0, 4000, 1000})}});
   vek::testing::expect_reports(
       "D01BDF", {{"87 points", 1, {"** The 87-point rule does not reach the requested accuracy:", "** EPSABS = 0 and EPSREL = 1e-10"},
                   call({"d01bdf", qi_peak, 2, {0, 1}, 0, 1e-10, 0, 0})}});

@@ -15,7 +15,6 @@
 #include <string>
 #include <vector>
 
-#include "frame/text.h"
 #include "layers/d01.h"
 #include "quadrature_integrands.h"
 #include "quadrature_harness.h"
@@ -285,16 +284,11 @@ TEST(Quadrature, EveryMessage) {
     const double alpha = e != "d01akf" ? 0.0 : 0.3, b = e != "d01akf" ? 3.0 : 1.0;
     const Outcome bad = integrate(e, f, alpha, 0, b, 0, 2e-14, 4000, 1000);
     ASSERT_EQ(bad.ifail, 3);
-    const size_t n = static_cast<size_t>(bad.iw[0]);
-    size_t narrowest = 0;
-    for (size_t i = 1; i + 1 < n; ++i)
-      if (bad.w[n + i + 1] - bad.w[i] < bad.w[n + narrowest + 1] - bad.w[narrowest]) narrowest = i;
     SCOPED_TRACE(name + " IFAIL 3");
+    std::vector<std::string> records = bad_integrand_records(bad);
+    for (std::string& r : records) r = " " + r;
     vek::testing::expect_report(
-        [&](int64_t* fail) { *fail = integrate(e, f, alpha, 0, b, 0, 2e-14, 4000, 1000, *fail).ifail; }, 3,
-        {" ** Extremely bad integrand behaviour occurs around the sub-interval",
-         " ** (" + vek::text::real_text(bad.w[narrowest]) + ", " + vek::text::real_text(bad.w[n + narrowest + 1]) +
-             ")"},
+        [&](int64_t* fail) { *fail = integrate(e, f, alpha, 0, b, 0, 2e-14, 4000, 1000, *fail).ifail; }, 3, records,
         name);
   }
 }
