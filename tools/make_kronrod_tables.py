@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Nodes and weights of the Gauss-Kronrod rules of the adaptive quadrature (src/zeros_quad/gauss_kronrod.h).
 
-For the n-point Gauss-Legendre rule (n = 10 and n = 30) the Kronrod extension adds the n + 1 zeros of the
+For the n-point Gauss-Legendre rule (n = 7, 10 and 30) the Kronrod extension adds the n + 1 zeros of the
 Stieltjes polynomial E(x) = x^(n+1) + ..., the polynomial orthogonal to P_n(x) x^k on [-1, 1] for k = 0..n.
 Everything is computed with mpmath at 250 digits: E from that linear system in the monomial basis (exact
 moments 2/(m+1)), its zeros by bracketing (they interlace with the Gauss nodes), the Kronrod weights from the
@@ -85,7 +85,7 @@ def show(name, values):
 
 
 def main():
-    for n in (10, 30):
+    for n in (7, 10, 30):
         xgk, wgk, wg = rule(n)
         print(f"// {2 * n + 1} points")
         show("nodes", xgk)

@@ -32,11 +32,25 @@ struct Bisection {
   bool estimates_informative() const { return left.resasc != left.error && right.resasc != right.error; }
 };
 
-Bisection bisect(RuleOnInterval rule, const IntervalList& list, int64_t i) {
-  const double a1 = list.left(i), b2 = list.right(i);
-  const double mid = 0.5 * (a1 + b2);
+Bisection split(RuleOnInterval rule, double a1, double mid, double b2) {
   const RuleEstimate left = rule(a1, mid);
   return {a1, mid, b2, left, rule(mid, b2)};
+}
+
+Bisection bisect(RuleOnInterval rule, const IntervalList& list, int64_t i) {
+  return split(rule, list.left(i), 0.5 * (list.left(i) + list.right(i)), list.right(i));
+}
+
+// An interval holding the pole c is split at the midpoint of c and its farther end, so that c lies inside a
+// half and away from its ends (QUADPACK's dqawce).
+Bisection bisect_near_pole(RuleOnInterval rule, const IntervalList& list, int64_t i, double c) {
+  const double a1 = list.left(i), b2 = list.right(i);
+  double mid = 0.5 * (a1 + b2);
+  if (c > a1 && c <= mid)
+    mid = 0.5 * (c + b2);
+  else if (c > mid && c < b2)
+    mid = 0.5 * (a1 + c);
+  return split(rule, a1, mid, b2);
 }
 
 // The round-off counters of the drivers: bisections that changed neither the value nor the error much (counted
@@ -274,16 +288,24 @@ QuadratureOutcome integrate_plain(RuleOnInterval rule, double a, double b, Toler
       whole.error == 0.0)
     return out;
 
-  double area = whole.result, errsum = whole.error, errmax = whole.error;
+  return continue_plain(rule, tol, list, whole.result, whole.error);
+}
+
+QuadratureOutcome continue_plain(RuleOnInterval rule, Tolerances tol, IntervalList& list, double area, double errsum,
+                                 const double* pole) {
+  const double epsabs = std::abs(tol.absolute), epsrel = std::abs(tol.relative);
+  QuadratureOutcome out;
   RoundOffCounters counters;
-  int64_t maxerr = 1, nrmax = 1;
-  for (int64_t last = 2; last <= list.limit(); ++last) {
-    const Bisection h = bisect(rule, list, maxerr);
+  int64_t nrmax = 1;
+  int64_t maxerr = list.ranked(1);
+  double errmax = list.error(maxerr);
+  for (int64_t last = list.last() + 1; last <= list.limit(); ++last) {
+    const Bisection h = pole ? bisect_near_pole(rule, list, maxerr, *pole) : bisect(rule, list, maxerr);
     const double old_value = list.value(maxerr);
     errsum = errsum + h.error12() - errmax;
     area = area + h.area12() - old_value;
     counters.count(h, old_value, errmax, false, last);
-    errbnd = bound(area);
+    const double errbnd = std::max(epsabs, epsrel * std::abs(area));
     if (!(errsum <= errbnd)) {
       if (counters.unchanged >= 6 || counters.raised >= 20) out.end = QuadratureEnd::round_off;
       if (last == list.limit()) out.end = QuadratureEnd::limit_reached;

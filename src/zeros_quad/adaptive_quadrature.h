@@ -54,6 +54,12 @@ struct QuadratureOutcome {
 QuadratureOutcome integrate_extrapolated(RuleOnInterval rule, double a, double b, Tolerances tol, IntervalList& list);
 QuadratureOutcome integrate_plain(RuleOnInterval rule, double a, double b, Tolerances tol, IntervalList& list);
 
+// The bisection loop of integrate_plain from the intervals already in `list`, whose values and errors sum to
+// area and errsum (QUADPACK's dqage, and dqawce and dqawse after their first step). With a pole, an interval
+// holding it is not bisected but split at the midpoint of the pole and its farther end (dqawce).
+QuadratureOutcome continue_plain(RuleOnInterval rule, Tolerances tol, IntervalList& list, double area, double errsum,
+                                 const double* pole = nullptr);
+
 // The extrapolating integrator started from the subintervals between the break points (QUADPACK's dqagpe):
 // `points` the interior break points in ascending order, list.limit() > points.size(), `level` room for
 // list.limit() bisection levels. Which intervals count as small goes by their level, not their width.

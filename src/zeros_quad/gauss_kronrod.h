@@ -4,7 +4,8 @@
 //
 // Tables: computed by tools/make_kronrod_tables.py (mpmath, 250 digits) and rounded to nearest; they equal the
 // published QUADPACK tables. Abscissae on [-1, 1] from the largest down to 0; the Gauss nodes stand at the odd
-// positions (counted from 0), and gauss_weights[j] belongs to nodes[2j + 1].
+// positions (counted from 0), and gauss_weights[j] belongs to nodes[2j + 1] (with an odd number of Gauss nodes,
+// as in the 15-point rule, the last one belongs to the centre).
 #pragma once
 
 #include <algorithm>
@@ -20,8 +21,15 @@ struct KronrodTable {
   static constexpr int kHalf = (Points - 1) / 2;  // node pairs; nodes[kHalf] is the centre
   std::array<double, kHalf + 1> nodes;
   std::array<double, kHalf + 1> kronrod_weights;
-  std::array<double, kHalf / 2> gauss_weights;
+  std::array<double, (kHalf + 1) / 2> gauss_weights;
 };
+
+inline constexpr KronrodTable<15> kKronrod15 = {
+    {0.9914553711208126, 0.9491079123427585, 0.8648644233597691, 0.7415311855993945, 0.5860872354676911,
+     0.4058451513773972, 0.20778495500789848, 0.0},
+    {0.022935322010529224, 0.06309209262997856, 0.10479001032225019, 0.14065325971552592, 0.1690047266392679,
+     0.19035057806478542, 0.20443294007529889, 0.20948214108472782},
+    {0.1294849661688697, 0.27970539148927664, 0.3818300505051189, 0.4179591836734694}};
 
 inline constexpr KronrodTable<21> kKronrod21 = {
     {0.9956571630258081, 0.9739065285171717, 0.9301574913557082, 0.8650633666889845, 0.7808177265864169,
@@ -50,6 +58,16 @@ inline constexpr KronrodTable<61> kKronrod61 = {
      0.057493156217619065, 0.06597422988218049, 0.0737559747377052, 0.08075589522942021, 0.08689978720108298,
      0.09212252223778612, 0.09636873717464425, 0.09959342058679527, 0.1017623897484055, 0.10285265289355884}};
 
+// The error estimate of a rule from the difference of two results: raised towards resasc by
+// resasc min(1, (200 err / resasc)^1.5) and kept above 50 eps resabs, the rounding error of the sum.
+inline double rescaled_error(double difference, double resabs, double resasc) {
+  double err = std::abs(difference);
+  if (resasc != 0.0 && err != 0.0) err = resasc * std::min(1.0, std::pow(200.0 * err / resasc, 1.5));
+  constexpr double eps = constants::eps();
+  if (resabs > constants::safe_range() / (50.0 * eps)) err = std::max(50.0 * eps * resabs, err);
+  return err;
+}
+
 // One application of a rule to [a, b] (b < a allowed: the integral changes sign, resabs and resasc do not).
 struct RuleEstimate {
   double result;  // the Kronrod result
@@ -59,8 +77,7 @@ struct RuleEstimate {
 };
 
 // f at the centre, then the pairs centre -+ h x at the Gauss nodes, then at the Kronrod nodes. The error
-// estimate is |(Kronrod - Gauss) h|, raised towards resasc by resasc min(1, (200 err / resasc)^1.5) and kept
-// above 50 eps resabs, the rounding error of the sum.
+// estimate is rescaled_error((Kronrod - Gauss) h).
 template <int Points, class Integrand>
 RuleEstimate apply_rule(const KronrodTable<Points>& t, Integrand& f, double a, double b) {
   constexpr int half = KronrodTable<Points>::kHalf;
@@ -68,7 +85,7 @@ RuleEstimate apply_rule(const KronrodTable<Points>& t, Integrand& f, double a, d
   const double h = 0.5 * (b - a);
   const double abs_h = std::abs(h);
   const double f_centre = f(centre);
-  double resg = 0.0;
+  double resg = half % 2 == 1 ? t.gauss_weights[half / 2] * f_centre : 0.0;  // the centre is a Gauss node
   double resk = t.kronrod_weights[half] * f_centre;
   double resabs = std::abs(resk);
   std::array<double, half> fv1, fv2;
@@ -84,7 +101,7 @@ RuleEstimate apply_rule(const KronrodTable<Points>& t, Integrand& f, double a, d
     resk += t.kronrod_weights[k] * sum;
     resabs += t.kronrod_weights[k] * (std::abs(f1) + std::abs(f2));
   }
-  for (int j = 0; j < half / 2; ++j) {
+  for (int j = 0; j < (half + 1) / 2; ++j) {
     const int k = 2 * j;
     const double x = h * t.nodes[k];
     const double f1 = f(centre - x);
@@ -98,11 +115,9 @@ RuleEstimate apply_rule(const KronrodTable<Points>& t, Integrand& f, double a, d
   double resasc = t.kronrod_weights[half] * std::abs(f_centre - mean);
   for (int k = 0; k < half; ++k) resasc += t.kronrod_weights[k] * (std::abs(fv1[k] - mean) + std::abs(fv2[k] - mean));
 
-  RuleEstimate r{resk * h, std::abs((resk - resg) * h), resabs * abs_h, resasc * abs_h};
-  if (r.resasc != 0.0 && r.error != 0.0) r.error = r.resasc * std::min(1.0, std::pow(200.0 * r.error / r.resasc, 1.5));
-  constexpr double eps = constants::eps();
-  if (r.resabs > constants::safe_range() / (50.0 * eps)) r.error = std::max(50.0 * eps * r.resabs, r.error);
-  return r;
+  resabs *= abs_h;
+  resasc *= abs_h;
+  return {resk * h, rescaled_error((resk - resg) * h, resabs, resasc), resabs, resasc};
 }
 
 }  // namespace vek::zeros_quad

@@ -9,11 +9,10 @@
 
 #include "layers/d01.h"
 #include "zeros_quad/adaptive_quadrature.h"
+#include "zeros_quad/quadrature_body.h"
 
 namespace vek::routines {
 namespace {
-
-using zeros_quad::QuadratureEnd;
 
 // Runs integrate_with(integrand, A, B, tolerances, list) over LIMIT subintervals, F called through f_adapter,
 // then packs and sorts W and IW and reports the outcome.
@@ -22,35 +21,11 @@ void integrate(frame::ErrorBuffer& err, int64_t limit, Integrate integrate_with,
                Function f, const double* a, const double* b, const double* epsabs, const double* epsrel, double* result,
                double* abserr, double* w, const int64_t* lw, int64_t* iw, const int64_t* liw, int64_t* iuser,
                double* ruser) {
-  zeros_quad::IntervalList list(w, iw, limit);
-  zeros_quad::QuadratureOutcome out;
-  if (f_adapter == own_adapter) {
-    // The library's own adapter only calls F: F is called directly, a call less at every abscissa.
-    auto integrand = [=](double x) { return f(&x, iuser, ruser); };
-    out = integrate_with(integrand, *a, *b, {*epsabs, *epsrel}, list);
-  } else {
-    auto integrand = [=](double x) { return f_adapter(f, &x, iuser, ruser); };
-    out = integrate_with(integrand, *a, *b, {*epsabs, *epsrel}, list);
-  }
-  list.pack_sorted(*lw);
-  *result = out.result;
-  *abserr = out.abserr;
-  switch (out.end) {
-    case QuadratureEnd::converged:
-      return;
-    case QuadratureEnd::limit_reached:
-      return err.fail(R::limit_reached, limit, *lw, *liw);
-    case QuadratureEnd::round_off:
-      return err.fail(R::round_off, *epsabs, *epsrel);
-    case QuadratureEnd::bad_integrand:
-      return err.fail(R::bad_integrand, out.bad_left, out.bad_right);
-    case QuadratureEnd::extrapolation_round_off:
-      if constexpr (requires { R::table_round_off; }) return err.fail(R::table_round_off);
-      return;
-    case QuadratureEnd::divergent:
-      if constexpr (requires { R::divergent; }) return err.fail(R::divergent);
-      return;
-  }
+  auto over_a_b = [&](auto& integrand, zeros_quad::IntervalList& list) {
+    return integrate_with(integrand, *a, *b, zeros_quad::Tolerances{*epsabs, *epsrel}, list);
+  };
+  zeros_quad::run_adaptive<R>(err, limit, own_adapter, f_adapter, f, iuser, ruser, over_a_b, epsabs, epsrel, result,
+                              abserr, w, lw, iw, liw);
 }
 
 // The integrator `driver(rule, A, B, tolerances, list)` with the rule of `table` applied to the integrand.

@@ -1,0 +1,55 @@
+// What the bodies of the adaptive D01 integrators share: the integrand x -> F(X, IUSER, RUSER) called through
+// the host's adapter (or directly when the adapter is the library's own, which only calls F), and the end of a
+// run: W and IW packed and sorted (interval_list.h), RESULT and ABSERR set, the outcome reported with the
+// routine's messages.
+#pragma once
+
+#include <cstdint>
+
+#include "frame/error_buffer.h"
+#include "zeros_quad/adaptive_quadrature.h"
+
+namespace vek::zeros_quad {
+
+// body(integrand) with the integrand as a callable of one double.
+template <class Adapter, class Function, class Body>
+auto with_user_integrand(Adapter own_adapter, Adapter f_adapter, Function f, int64_t* iuser, double* ruser, Body body) {
+  if (f_adapter == own_adapter) {
+    auto integrand = [=](double x) { return f(&x, iuser, ruser); };
+    return body(integrand);
+  }
+  auto integrand = [=](double x) { return f_adapter(f, &x, iuser, ruser); };
+  return body(integrand);
+}
+
+// Runs integrate(integrand, list) over LIMIT subintervals of W and IW and finishes as described above; R is
+// the routine's message struct (table_round_off and divergent only where it declares them).
+template <class R, class Adapter, class Function, class Integrate>
+void run_adaptive(frame::ErrorBuffer& err, int64_t limit, Adapter own_adapter, Adapter f_adapter, Function f,
+                  int64_t* iuser, double* ruser, Integrate integrate, const double* epsabs, const double* epsrel,
+                  double* result, double* abserr, double* w, const int64_t* lw, int64_t* iw, const int64_t* liw) {
+  IntervalList list(w, iw, limit);
+  const QuadratureOutcome out = with_user_integrand(own_adapter, f_adapter, f, iuser, ruser,
+                                                    [&](auto& integrand) { return integrate(integrand, list); });
+  list.pack_sorted(*lw);
+  *result = out.result;
+  *abserr = out.abserr;
+  switch (out.end) {
+    case QuadratureEnd::converged:
+      return;
+    case QuadratureEnd::limit_reached:
+      return err.fail(R::limit_reached, limit, *lw, *liw);
+    case QuadratureEnd::round_off:
+      return err.fail(R::round_off, *epsabs, *epsrel);
+    case QuadratureEnd::bad_integrand:
+      return err.fail(R::bad_integrand, out.bad_left, out.bad_right);
+    case QuadratureEnd::extrapolation_round_off:
+      if constexpr (requires { R::table_round_off; }) return err.fail(R::table_round_off);
+      return;
+    case QuadratureEnd::divergent:
+      if constexpr (requires { R::divergent; }) return err.fail(R::divergent);
+      return;
+  }
+}
+
+}  // namespace vek::zeros_quad
