@@ -83,8 +83,9 @@ class Extrapolating {
 
   double bound(double v) const { return std::max(epsabs_, epsrel_ * std::abs(v)); }
 
-  // The first approximation (of the whole interval, or summed over the first intervals) did not suffice.
-  void start(double result, double errsum, double defabs) {
+  // The first approximation (of the whole interval, or summed over the first intervals) did not suffice; it
+  // opens the epsilon table unless `tabulate` is false.
+  void start(double result, double errsum, double defabs, bool tabulate = true) {
     area_ = result;
     errsum_ = errsum;
     defabs_ = defabs;
@@ -94,15 +95,20 @@ class Extrapolating {
     erlarg_ = errsum;
     ertest_ = bound(result);
     result_ = result;
-    table_.append(result);
+    if (tabulate) table_.append(result);
   }
 
   // After the first bisection of the whole interval: the second entry of the table, and the error over the
   // large intervals and the tolerance the extrapolation starts from.
   void second_approximation() {
+    measure_large_from_here();
+    table_.append(area_);
+  }
+
+  // The error over the large intervals starts as the whole error sum, the tolerance as that of the area.
+  void measure_large_from_here() {
     erlarg_ = errsum_;
     ertest_ = bound(area_);
-    table_.append(area_);
   }
 
   // Bisects the interval of largest error (as far as chosen) into number `last`; true when the sum of the
@@ -366,6 +372,61 @@ QuadratureOutcome integrate_with_breakpoints(RuleOnInterval rule, double a, doub
     ++levmax;
   }
   return signed_outcome(d.finish());
+}
+
+QuadratureOutcome integrate_oscillatory(RuleAtLevel rule, double a, double b, double omega, Tolerances tol,
+                                        IntervalList& list, int64_t* level) {
+  int64_t current = 0;  // the level of the halves being made
+  auto at_current = [&](double s, double t) { return rule(s, t, current); };
+  Extrapolating d(RuleOnInterval(at_current), list, tol);
+  int64_t* lev = level - 1;
+  const RuleEstimate whole = rule(a, b, 0);
+  list.start(a, b, whole.result, whole.error);
+  lev[1] = 0;
+  const double errbnd = d.bound(whole.result);
+  int ier = none;
+  if (whole.error <= 100.0 * eps * whole.resabs && whole.error > errbnd) ier = round_off;
+  if (list.limit() == 1) ier = limit;
+  if (ier != none || whole.error <= errbnd) return reported(whole.result, whole.error, ier, nullptr);
+
+  // Extrapolation over the areas only from where the 15-point rule takes over: the first area enters the table
+  // if the halves already use it, extrapolation is allowed once the quarters do.
+  const double width = std::abs(b - a);
+  bool extall = !(0.5 * width * omega > 2.0);
+  d.start(whole.result, whole.error, whole.resabs, extall);
+  if (0.25 * width * omega <= 2.0) extall = true;
+  double small = width * 0.75;
+  auto large = [&](int64_t i) { return std::abs(list.right(i) - list.left(i)) > small; };
+  for (int64_t last = 2; last <= list.limit(); ++last) {
+    current = lev[d.maxerr()] + 1;
+    lev[d.maxerr()] = current;
+    lev[last] = current;
+    if (d.bisect(last)) return d.converged();
+    if (d.failed(last)) break;
+    if (last == 2 && extall) {
+      small *= 0.5;
+      d.second_approximation();
+      continue;
+    }
+    if (!d.extrapolation_allowed()) continue;
+    if (!extall) {
+      // Not yet: wait until the interval to bisect next is small and short enough for the 15-point rule.
+      const int64_t next = d.maxerr();
+      const double next_width = std::abs(list.right(next) - list.left(next));
+      if (next_width > small) continue;
+      small *= 0.5;
+      if (0.25 * next_width * omega > 2.0) continue;
+      extall = true;
+      d.measure_large_from_here();
+      continue;
+    }
+    const Bisection& h = d.last_bisection();
+    if (d.keep_bisecting(last, std::abs(h.mid - h.a1) > small, large)) continue;
+    if (d.extrapolate()) break;
+    d.restart_from_largest();
+    small *= 0.5;
+  }
+  return d.finish();
 }
 
 }  // namespace vek::zeros_quad

@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
+#include <type_traits>
 
 #include "frame/constants.h"
 
@@ -58,25 +60,52 @@ struct RuleEstimate {
   double resasc;  // the Kronrod rule applied to |f - mean of f|
 };
 
-// f at the centre, then the pairs centre -+ h x at the Gauss nodes, then at the Kronrod nodes. The error
-// estimate is |(Kronrod - Gauss) h|, raised towards resasc by resasc min(1, (200 err / resasc)^1.5) and kept
-// above 50 eps resabs, the rounding error of the sum.
-template <int Points, class Integrand>
-RuleEstimate apply_rule(const KronrodTable<Points>& t, Integrand& f, double a, double b) {
+// The estimate of a Gauss-Kronrod pair from its sums on [-1, 1] (Kronrod and Gauss results, the Kronrod rule on
+// |f| and on |f - mean|) and the half-length h of the subinterval: the error |(Kronrod - Gauss) h|, raised
+// towards resasc by resasc min(1, (200 err / resasc)^1.5) and kept above 50 eps resabs, the rounding error of
+// the sum.
+inline RuleEstimate kronrod_estimate(double resk, double resg, double resabs, double resasc, double h) {
+  const double abs_h = std::abs(h);
+  RuleEstimate r{resk * h, std::abs((resk - resg) * h), resabs * abs_h, resasc * abs_h};
+  if (r.resasc != 0.0 && r.error != 0.0) r.error = r.resasc * std::min(1.0, std::pow(200.0 * r.error / r.resasc, 1.5));
+  constexpr double eps = constants::eps();
+  if (r.resabs > constants::safe_range() / (50.0 * eps)) r.error = std::max(50.0 * eps * r.resabs, r.error);
+  return r;
+}
+
+// The Points abscissae of a rule on [a, b] in the order the integrand is evaluated: the centre, then the pairs
+// centre -+ h x at the Gauss nodes, then at the Kronrod nodes.
+template <int Points>
+void rule_abscissae(const KronrodTable<Points>& t, double a, double b, double* x) {
   constexpr int half = KronrodTable<Points>::kHalf;
   const double centre = 0.5 * (a + b);
   const double h = 0.5 * (b - a);
-  const double abs_h = std::abs(h);
-  const double f_centre = f(centre);
+  x[0] = centre;
+  int i = 1;
+  for (int k = 1; k < half; k += 2, i += 2) {
+    x[i] = centre - h * t.nodes[k];
+    x[i + 1] = centre + h * t.nodes[k];
+  }
+  for (int k = 0; k < half; k += 2, i += 2) {
+    x[i] = centre - h * t.nodes[k];
+    x[i + 1] = centre + h * t.nodes[k];
+  }
+}
+
+// The rule from the Points values fv at the abscissae of rule_abscissae.
+template <int Points>
+RuleEstimate combine_rule(const KronrodTable<Points>& t, const double* fv, double a, double b) {
+  constexpr int half = KronrodTable<Points>::kHalf;
+  const double h = 0.5 * (b - a);
+  const double f_centre = fv[0];
   double resg = 0.0;
   double resk = t.kronrod_weights[half] * f_centre;
   double resabs = std::abs(resk);
   std::array<double, half> fv1, fv2;
-  for (int j = 0; j < half / 2; ++j) {
+  int i = 1;
+  for (int j = 0; j < half / 2; ++j, i += 2) {
     const int k = 2 * j + 1;
-    const double x = h * t.nodes[k];
-    const double f1 = f(centre - x);
-    const double f2 = f(centre + x);
+    const double f1 = fv[i], f2 = fv[i + 1];
     fv1[k] = f1;
     fv2[k] = f2;
     const double sum = f1 + f2;
@@ -84,11 +113,9 @@ RuleEstimate apply_rule(const KronrodTable<Points>& t, Integrand& f, double a, d
     resk += t.kronrod_weights[k] * sum;
     resabs += t.kronrod_weights[k] * (std::abs(f1) + std::abs(f2));
   }
-  for (int j = 0; j < half / 2; ++j) {
+  for (int j = 0; j < half / 2; ++j, i += 2) {
     const int k = 2 * j;
-    const double x = h * t.nodes[k];
-    const double f1 = f(centre - x);
-    const double f2 = f(centre + x);
+    const double f1 = fv[i], f2 = fv[i + 1];
     fv1[k] = f1;
     fv2[k] = f2;
     resk += t.kronrod_weights[k] * (f1 + f2);
@@ -98,11 +125,24 @@ RuleEstimate apply_rule(const KronrodTable<Points>& t, Integrand& f, double a, d
   double resasc = t.kronrod_weights[half] * std::abs(f_centre - mean);
   for (int k = 0; k < half; ++k) resasc += t.kronrod_weights[k] * (std::abs(fv1[k] - mean) + std::abs(fv2[k] - mean));
 
-  RuleEstimate r{resk * h, std::abs((resk - resg) * h), resabs * abs_h, resasc * abs_h};
-  if (r.resasc != 0.0 && r.error != 0.0) r.error = r.resasc * std::min(1.0, std::pow(200.0 * r.error / r.resasc, 1.5));
-  constexpr double eps = constants::eps();
-  if (r.resabs > constants::safe_range() / (50.0 * eps)) r.error = std::max(50.0 * eps * r.resabs, r.error);
-  return r;
+  return kronrod_estimate(resk, resg, resabs, resasc, h);
+}
+
+// An integrand called with all the abscissae of one subinterval at once: f(x, fv, n) sets fv[i] = f(x[i]).
+template <class Integrand>
+concept BatchIntegrand = std::is_invocable_v<Integrand&, const double*, double*, int64_t>;
+
+// One application of the rule to [a, b]; the integrand is called point by point in the order of
+// rule_abscissae, or once for all of them.
+template <int Points, class Integrand>
+RuleEstimate apply_rule(const KronrodTable<Points>& t, Integrand& f, double a, double b) {
+  std::array<double, Points> x, fv;
+  rule_abscissae(t, a, b, x.data());
+  if constexpr (BatchIntegrand<Integrand>)
+    f(x.data(), fv.data(), int64_t{Points});
+  else
+    for (int i = 0; i < Points; ++i) fv[i] = f(x[i]);
+  return combine_rule(t, fv.data(), a, b);
 }
 
 }  // namespace vek::zeros_quad
