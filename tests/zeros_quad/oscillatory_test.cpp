@@ -206,6 +206,35 @@ TEST(Oscillatory, AgreesWithGslAndReversesLimits) {
   }
 }
 
+// A = B, LIMIT = 1, tolerances of either sign, and integrands with NaN or infinite values: defined IFAIL values,
+// the work bounded.
+TEST(Oscillatory, EdgeCases) {
+  const Outcome empty = finite(oi_log, 0, 0.5, 0.5, 100, 1, 0, 1e-10, 100);
+  EXPECT_EQ(empty.ifail, 0);
+  EXPECT_EQ(empty.result, 0.0);
+  EXPECT_EQ(empty.evaluations, 15);
+  const Outcome one = finite(oi_log, 0, 0, 1, 100, 1, 0, 1e-10, 1);
+  EXPECT_EQ(one.ifail, 1);
+  EXPECT_EQ(one.evaluations, 25);
+  EXPECT_EQ(one.iw[0], 1);
+  const Outcome plus = finite(oi_log, 0, 0, 1, 100, 2, 1e-9, 1e-8, 100);
+  const Outcome minus = finite(oi_log, 0, 0, 1, 100, 2, -1e-9, -1e-8, 100);
+  EXPECT_EQ(minus.result, plus.result);
+  EXPECT_EQ(minus.w, plus.w);
+
+  const oscillatory_integrand_fn nan_f = [](double, double) { return std::numeric_limits<double>::quiet_NaN(); };
+  const oscillatory_integrand_fn inf_f = [](double x, double) { return x < 0.5 ? HUGE_VAL : 1.0; };
+  for (const oscillatory_integrand_fn f : {nan_f, inf_f}) {
+    const Outcome r = finite(f, 0, 0, 1, 100, 1, 0, 1e-10, 100);
+    EXPECT_TRUE(r.ifail >= 1 && r.ifail <= 5) << r.ifail;
+    EXPECT_LE(r.iw[0], 100);
+    const Outcome s = semi_infinite(f, 0, 0, 1, 1, 1e-8, 50, 100);
+    EXPECT_TRUE(s.ifail >= 1 && s.ifail <= 3) << s.ifail;
+    EXPECT_LE(s.lst, 50);
+    EXPECT_NE(s.ierlst[0], 0);  // the first cycle holds the bad values (for NaN, every cycle)
+  }
+}
+
 // The results against the exact values, each within its error estimate, the estimate within the accuracy
 // asked for.
 TEST(Oscillatory, ExactValues) {
