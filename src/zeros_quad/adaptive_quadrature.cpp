@@ -32,11 +32,13 @@ struct Bisection {
   bool estimates_informative() const { return left.resasc != left.error && right.resasc != right.error; }
 };
 
-Bisection bisect(RuleOnInterval rule, const IntervalList& list, int64_t i) {
-  const double a1 = list.left(i), b2 = list.right(i);
-  const double mid = 0.5 * (a1 + b2);
-  const RuleEstimate left = rule(a1, mid);
-  return {a1, mid, b2, left, rule(mid, b2)};
+// Interval i bisected, written into h field by field (no copy of a whole Bisection after the rule calls).
+void bisect(RuleOnInterval rule, const IntervalList& list, int64_t i, Bisection& h) {
+  h.a1 = list.left(i);
+  h.b2 = list.right(i);
+  h.mid = 0.5 * (h.a1 + h.b2);
+  h.left = rule(h.a1, h.mid);
+  h.right = rule(h.mid, h.b2);
 }
 
 // The round-off counters of the drivers: bisections that changed neither the value nor the error much (counted
@@ -114,7 +116,7 @@ class Extrapolating {
   // Bisects the interval of largest error (as far as chosen) into number `last`; true when the sum of the
   // errors now meets the tolerance.
   bool bisect(int64_t last) {
-    h_ = zeros_quad::bisect(rule_, list_, maxerr_);
+    zeros_quad::bisect(rule_, list_, maxerr_, h_);
     erlast_ = errmax_;
     const double old_value = list_.value(maxerr_);
     errsum_ = errsum_ + h_.error12() - errmax_;
@@ -284,7 +286,8 @@ QuadratureOutcome integrate_plain(RuleOnInterval rule, double a, double b, Toler
   RoundOffCounters counters;
   int64_t maxerr = 1, nrmax = 1;
   for (int64_t last = 2; last <= list.limit(); ++last) {
-    const Bisection h = bisect(rule, list, maxerr);
+    Bisection h;
+    bisect(rule, list, maxerr, h);
     const double old_value = list.value(maxerr);
     errsum = errsum + h.error12() - errmax;
     area = area + h.area12() - old_value;
