@@ -132,10 +132,7 @@ const double* LevelMoments::at(int64_t level) {
 
 void chebyshev_coefficients(std::array<double, 25>& fval, std::array<double, 13>& cheb12,
                             std::array<double, 25>& cheb24) {
-  static constexpr std::array<double, 11> x = {0.9914448613738104, 0.9659258262890683, 0.9238795325112867,
-                                               0.8660254037844386, 0.7933533402912352, 0.7071067811865476,
-                                               0.6087614290087207, 0.5,                0.3826834323650898,
-                                               0.25881904510252074, 0.1305261922200516};
+  const std::array<double, 11>& x = kChebyshevCos;
   double v[12];
   for (int i = 0; i < 12; ++i) {
     const int j = 24 - i;

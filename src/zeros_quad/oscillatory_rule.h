@@ -20,8 +20,9 @@ enum class Weight { cosine, sine };
 void chebyshev_moments(double p, double* moments);
 
 // The moments of each bisection level, level l belonging to the subintervals of length L / 2^l (L the length
-// of the level-0 interval, p = omega L / 2^(l+1)). The first `levels` levels are kept in the caller's storage
-// (25 values each) once computed; deeper ones are computed when asked for, the last of them kept.
+// of the level-0 interval, p = omega L / 2^(l+1), p0 its value at level 0). The first `levels` levels are kept
+// in the caller's storage (25 values each) once computed; deeper ones are computed when asked for, the last of
+// them kept.
 class LevelMoments {
  public:
   LevelMoments(double* storage, int64_t levels, double p0) : storage_(storage), levels_(levels), p0_(p0) {}
@@ -36,13 +37,20 @@ class LevelMoments {
   std::array<double, 25> extra_{};
 };
 
+// cos(k pi / 24), k = 1..11, correctly rounded (mpmath): the Chebyshev points of the rule on [-1, 1].
+inline constexpr std::array<double, 11> kChebyshevCos = {
+    0.9914448613738104, 0.9659258262890683, 0.9238795325112867, 0.8660254037844386,
+    0.7933533402912352, 0.7071067811865476, 0.6087614290087207, 0.5,
+    0.3826834323650898, 0.25881904510252074, 0.1305261922200516};
+
 // The Chebyshev coefficients of degrees 12 and 24 (QUADPACK's dqcheb) from the 25 values fval[k] =
 // f(cos(k pi / 24)), the first and last halved; fval is overwritten.
 void chebyshev_coefficients(std::array<double, 25>& fval, std::array<double, 13>& cheb12,
                             std::array<double, 25>& cheb24);
 
-// The Clenshaw-Curtis estimate from the coefficients and the moments of the subinterval's level; p the signed
-// omega h (h the half-length, negative when b < a), centre the midpoint.
+// The Clenshaw-Curtis estimate from the coefficients and the moments of the subinterval's level (made for
+// omega |h|): omega >= 0, centre the midpoint, h the half-length (negative when b < a, which turns the sine
+// moments' sign). resasc is the largest double, so that the drivers never take the estimate for saturated.
 RuleEstimate clenshaw_curtis_estimate(const std::array<double, 13>& cheb12, const std::array<double, 25>& cheb24,
                                       const double* moments, double omega, double centre, double h, Weight weight);
 
@@ -68,17 +76,13 @@ RuleEstimate apply_oscillatory_rule(Integrand& f, double a, double b, double ome
     return kronrod15_estimate(fv, h);
   }
   // The values at the Chebyshev points centre + h cos(k pi / 24), k = 0..24.
-  static constexpr std::array<double, 11> kCos = {0.9914448613738104, 0.9659258262890683, 0.9238795325112867,
-                                                  0.8660254037844386, 0.7933533402912352, 0.7071067811865476,
-                                                  0.6087614290087207, 0.5,                0.3826834323650898,
-                                                  0.25881904510252074, 0.1305261922200516};
   std::array<double, 25> fval;
   fval[0] = 0.5 * f(centre + h);
   fval[12] = f(centre);
   fval[24] = 0.5 * f(centre - h);
   for (int i = 1; i < 12; ++i) {
-    fval[i] = f(h * kCos[i - 1] + centre);
-    fval[24 - i] = f(centre - h * kCos[i - 1]);
+    fval[i] = f(h * kChebyshevCos[i - 1] + centre);
+    fval[24 - i] = f(centre - h * kChebyshevCos[i - 1]);
   }
   std::array<double, 13> cheb12;
   std::array<double, 25> cheb24;
