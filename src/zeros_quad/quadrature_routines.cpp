@@ -111,7 +111,8 @@ bool workspace_too_small(int64_t lw, int64_t limit) { return lw < 4 * static_cas
 
 zeros_quad::Weight weight_of(int64_t key) { return key == 1 ? zeros_quad::Weight::cosine : zeros_quad::Weight::sine; }
 
-// The integrator over [lo, hi] with f(x) times the weight, the moments of the level-0 length `length`.
+// What the oscillatory rule needs besides the integrand: |OMEGA|, the weight, the moments of the levels and
+// room for the level of each subinterval (IW after the ordering list).
 struct Oscillatory {
   double omega;
   zeros_quad::Weight weight;
