@@ -71,8 +71,9 @@ void rank_table(const KeyTable<T>& t, int64_t n, Order order, std::span<int64_t>
   const auto in_order = [&less, order](int64_t i, int64_t j) {
     return order == Order::ascending ? less(i, j) : less(j, i);
   };
+  // A short list is ranked faster by the scalar path, whose workspace is on the stack.
   if constexpr (!std::is_same_v<T, unsigned char>) {
-    if (n > 1 && rank_on_vector_path(t, n, order, with_ties_by_number(in_order), positions, base)) return;
+    if (n > kItemsOnStack && rank_on_vector_path(t, n, order, with_ties_by_number(in_order), positions, base)) return;
   }
   rank_items(n, in_order, positions, base);
 }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -25,15 +26,34 @@ auto with_ties_by_number(LessItem& less) {
   return [&less](int64_t i, int64_t j) { return less(i, j) || (i < j && !less(j, i)); };
 }
 
+// Up to this many items the kernels below keep their workspace on the stack: a short list (the subintervals of
+// an integration, say) is ranked and rearranged without a call of the allocator.
+inline constexpr int64_t kItemsOnStack = 64;
+
+// Workspace of n values of T, on the stack (uninitialised) for n <= kItemsOnStack.
+template <class T>
+class SmallBuffer {
+ public:
+  explicit SmallBuffer(int64_t n) {
+    if (n > kItemsOnStack) heap_ = std::make_unique<T[]>(static_cast<size_t>(n));
+  }
+  T* data() { return heap_ ? heap_.get() : stack_; }
+
+ private:
+  T stack_[kItemsOnStack];
+  std::unique_ptr<T[]> heap_;
+};
+
 // The positions 0..n-1 the items take when sorted by less(i, j), a strict weak order on item numbers; equal
 // items keep the order of their numbers. positions[i] = base + position of item i.
 template <class LessItem>
 void rank_items(int64_t n, LessItem less, std::span<int64_t> positions, int64_t base) {
   if (n <= 0) return;
-  std::vector<int64_t> items(static_cast<size_t>(n));
-  for (int64_t i = 0; i < n; ++i) items[static_cast<size_t>(i)] = i;
-  quicksort(items.data(), 0, n - 1, with_ties_by_number(less));
-  for (int64_t p = 0; p < n; ++p) positions[static_cast<size_t>(items[static_cast<size_t>(p)])] = base + p;
+  SmallBuffer<int64_t> buffer(n);
+  int64_t* items = buffer.data();
+  for (int64_t i = 0; i < n; ++i) items[i] = i;
+  quicksort(items, 0, n - 1, with_ties_by_number(less));
+  for (int64_t p = 0; p < n; ++p) positions[static_cast<size_t>(items[p])] = base + p;
 }
 
 // Items whose keys stand in an array at fixed strides: key k of item i is first[i * item_stride +
@@ -78,13 +98,15 @@ PermutationFault check_permutation(std::span<const int64_t> perm, int64_t base);
 template <class SwapItems>
 void apply_permutation(std::span<const int64_t> perm, int64_t base, SwapItems swap_items) {
   const int64_t n = static_cast<int64_t>(perm.size());
-  std::vector<bool> placed(static_cast<size_t>(n));
+  SmallBuffer<bool> buffer(n);
+  bool* placed = buffer.data();
+  std::fill_n(placed, n, false);
   for (int64_t s = 0; s < n; ++s) {
-    if (placed[static_cast<size_t>(s)]) continue;
-    placed[static_cast<size_t>(s)] = true;
+    if (placed[s]) continue;
+    placed[s] = true;
     for (int64_t k = perm[static_cast<size_t>(s)] - base; k != s; k = perm[static_cast<size_t>(k)] - base) {
       swap_items(s, k);
-      placed[static_cast<size_t>(k)] = true;
+      placed[k] = true;
     }
   }
 }

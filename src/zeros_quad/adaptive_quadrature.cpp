@@ -32,25 +32,22 @@ struct Bisection {
   bool estimates_informative() const { return left.resasc != left.error && right.resasc != right.error; }
 };
 
-Bisection split(RuleOnInterval rule, double a1, double mid, double b2) {
-  const RuleEstimate left = rule(a1, mid);
-  return {a1, mid, b2, left, rule(mid, b2)};
-}
-
-Bisection bisect(RuleOnInterval rule, const IntervalList& list, int64_t i) {
-  return split(rule, list.left(i), 0.5 * (list.left(i) + list.right(i)), list.right(i));
-}
-
-// An interval holding the pole c is split at the midpoint of c and its farther end, so that c lies inside a
-// half and away from its ends (QUADPACK's dqawce).
-Bisection bisect_near_pole(RuleOnInterval rule, const IntervalList& list, int64_t i, double c) {
-  const double a1 = list.left(i), b2 = list.right(i);
-  double mid = 0.5 * (a1 + b2);
-  if (c > a1 && c <= mid)
-    mid = 0.5 * (c + b2);
-  else if (c > mid && c < b2)
-    mid = 0.5 * (a1 + c);
-  return split(rule, a1, mid, b2);
+// Interval i bisected, written into h field by field (no copy of a whole Bisection after the rule calls): at its
+// midpoint, or, when it holds the pole c, at the midpoint of c and its farther end, so that c lies inside a half
+// and away from its ends (QUADPACK's dqawce).
+void bisect(RuleOnInterval rule, const IntervalList& list, int64_t i, Bisection& h, const double* pole = nullptr) {
+  h.a1 = list.left(i);
+  h.b2 = list.right(i);
+  h.mid = 0.5 * (h.a1 + h.b2);
+  if (pole != nullptr) {
+    const double c = *pole;
+    if (c > h.a1 && c <= h.mid)
+      h.mid = 0.5 * (c + h.b2);
+    else if (c > h.mid && c < h.b2)
+      h.mid = 0.5 * (h.a1 + c);
+  }
+  h.left = rule(h.a1, h.mid);
+  h.right = rule(h.mid, h.b2);
 }
 
 // The round-off counters of the drivers: bisections that changed neither the value nor the error much (counted
@@ -97,8 +94,9 @@ class Extrapolating {
 
   double bound(double v) const { return std::max(epsabs_, epsrel_ * std::abs(v)); }
 
-  // The first approximation (of the whole interval, or summed over the first intervals) did not suffice.
-  void start(double result, double errsum, double defabs) {
+  // The first approximation (of the whole interval, or summed over the first intervals) did not suffice; it
+  // opens the epsilon table unless `tabulate` is false.
+  void start(double result, double errsum, double defabs, bool tabulate = true) {
     area_ = result;
     errsum_ = errsum;
     defabs_ = defabs;
@@ -108,21 +106,26 @@ class Extrapolating {
     erlarg_ = errsum;
     ertest_ = bound(result);
     result_ = result;
-    table_.append(result);
+    if (tabulate) table_.append(result);
   }
 
   // After the first bisection of the whole interval: the second entry of the table, and the error over the
   // large intervals and the tolerance the extrapolation starts from.
   void second_approximation() {
+    measure_large_from_here();
+    table_.append(area_);
+  }
+
+  // The error over the large intervals starts as the whole error sum, the tolerance as that of the area.
+  void measure_large_from_here() {
     erlarg_ = errsum_;
     ertest_ = bound(area_);
-    table_.append(area_);
   }
 
   // Bisects the interval of largest error (as far as chosen) into number `last`; true when the sum of the
   // errors now meets the tolerance.
   bool bisect(int64_t last) {
-    h_ = zeros_quad::bisect(rule_, list_, maxerr_);
+    zeros_quad::bisect(rule_, list_, maxerr_, h_);
     erlast_ = errmax_;
     const double old_value = list_.value(maxerr_);
     errsum_ = errsum_ + h_.error12() - errmax_;
@@ -300,7 +303,8 @@ QuadratureOutcome continue_plain(RuleOnInterval rule, Tolerances tol, IntervalLi
   int64_t maxerr = list.ranked(1);
   double errmax = list.error(maxerr);
   for (int64_t last = list.last() + 1; last <= list.limit(); ++last) {
-    const Bisection h = pole ? bisect_near_pole(rule, list, maxerr, *pole) : bisect(rule, list, maxerr);
+    Bisection h;
+    bisect(rule, list, maxerr, h, pole);
     const double old_value = list.value(maxerr);
     errsum = errsum + h.error12() - errmax;
     area = area + h.area12() - old_value;
@@ -388,6 +392,61 @@ QuadratureOutcome integrate_with_breakpoints(RuleOnInterval rule, double a, doub
     ++levmax;
   }
   return signed_outcome(d.finish());
+}
+
+QuadratureOutcome integrate_oscillatory(RuleAtLevel rule, double a, double b, double omega, Tolerances tol,
+                                        IntervalList& list, int64_t* level) {
+  int64_t current = 0;  // the level of the halves being made
+  auto at_current = [&](double s, double t) { return rule(s, t, current); };
+  Extrapolating d(RuleOnInterval(at_current), list, tol);
+  int64_t* lev = level - 1;
+  const RuleEstimate whole = rule(a, b, 0);
+  list.start(a, b, whole.result, whole.error);
+  lev[1] = 0;
+  const double errbnd = d.bound(whole.result);
+  int ier = none;
+  if (whole.error <= 100.0 * eps * whole.resabs && whole.error > errbnd) ier = round_off;
+  if (list.limit() == 1) ier = limit;
+  if (ier != none || whole.error <= errbnd) return reported(whole.result, whole.error, ier, nullptr);
+
+  // Extrapolation over the areas only from where the 15-point rule takes over: the first area enters the table
+  // if the halves already use it, extrapolation is allowed once the quarters do.
+  const double width = std::abs(b - a);
+  bool extall = !(0.5 * width * omega > 2.0);
+  d.start(whole.result, whole.error, whole.resabs, extall);
+  if (0.25 * width * omega <= 2.0) extall = true;
+  double small = width * 0.75;
+  auto large = [&](int64_t i) { return std::abs(list.right(i) - list.left(i)) > small; };
+  for (int64_t last = 2; last <= list.limit(); ++last) {
+    current = lev[d.maxerr()] + 1;
+    lev[d.maxerr()] = current;
+    lev[last] = current;
+    if (d.bisect(last)) return d.converged();
+    if (d.failed(last)) break;
+    if (last == 2 && extall) {
+      small *= 0.5;
+      d.second_approximation();
+      continue;
+    }
+    if (!d.extrapolation_allowed()) continue;
+    if (!extall) {
+      // Not yet: wait until the interval to bisect next is small and short enough for the 15-point rule.
+      const int64_t next = d.maxerr();
+      const double next_width = std::abs(list.right(next) - list.left(next));
+      if (next_width > small) continue;
+      small *= 0.5;
+      if (0.25 * next_width * omega > 2.0) continue;
+      extall = true;
+      d.measure_large_from_here();
+      continue;
+    }
+    const Bisection& h = d.last_bisection();
+    if (d.keep_bisecting(last, std::abs(h.mid - h.a1) > small, large)) continue;
+    if (d.extrapolate()) break;
+    d.restart_from_largest();
+    small *= 0.5;
+  }
+  return d.finish();
 }
 
 }  // namespace vek::zeros_quad

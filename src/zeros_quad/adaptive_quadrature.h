@@ -27,6 +27,21 @@ class RuleOnInterval {
   RuleEstimate (*call_)(void*, double, double);
 };
 
+// A rule applied to one subinterval at its bisection level (0 for the whole interval), as the rule with the
+// weight cos(omega x) or sin(omega x) needs it; passed by reference like RuleOnInterval.
+class RuleAtLevel {
+ public:
+  template <class Rule>
+  requires(!std::is_same_v<Rule, RuleAtLevel>) explicit RuleAtLevel(Rule& rule)
+      : object_(&rule),
+        call_([](void* o, double a, double b, int64_t level) { return (*static_cast<Rule*>(o))(a, b, level); }) {}
+  RuleEstimate operator()(double a, double b, int64_t level) const { return call_(object_, a, b, level); }
+
+ private:
+  void* object_;
+  RuleEstimate (*call_)(void*, double, double, int64_t);
+};
+
 // The accuracy requested: max(|absolute|, |relative| |I|).
 struct Tolerances {
   double absolute;
@@ -65,5 +80,12 @@ QuadratureOutcome continue_plain(RuleOnInterval rule, Tolerances tol, IntervalLi
 // list.limit() bisection levels. Which intervals count as small goes by their level, not their width.
 QuadratureOutcome integrate_with_breakpoints(RuleOnInterval rule, double a, double b, std::span<const double> points,
                                              Tolerances tol, IntervalList& list, int64_t* level);
+
+// The extrapolating integrator for f(x) cos(omega x) or f(x) sin(omega x) (QUADPACK's dqawoe): `rule` the
+// oscillatory rule, `omega` >= 0 its frequency, `level` room for list.limit() bisection levels. Extrapolation
+// starts once the subintervals are short enough for the 15-point rule (omega times a quarter of the length at
+// most 2); which intervals count as small goes by width, halved as in dqawoe.
+QuadratureOutcome integrate_oscillatory(RuleAtLevel rule, double a, double b, double omega, Tolerances tol,
+                                        IntervalList& list, int64_t* level);
 
 }  // namespace vek::zeros_quad

@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
+#include <type_traits>
 
 #include "frame/constants.h"
 
@@ -76,24 +78,40 @@ struct RuleEstimate {
   double resasc;  // the Kronrod rule applied to |f - mean of f|
 };
 
-// f at the centre, then the pairs centre -+ h x at the Gauss nodes, then at the Kronrod nodes. The error
-// estimate is rescaled_error((Kronrod - Gauss) h).
-template <int Points, class Integrand>
-RuleEstimate apply_rule(const KronrodTable<Points>& t, Integrand& f, double a, double b) {
+// The Points abscissae of a rule on [a, b] in the order the integrand is evaluated: the centre, then the pairs
+// centre -+ h x at the Gauss nodes, then at the Kronrod nodes.
+template <int Points>
+void rule_abscissae(const KronrodTable<Points>& t, double a, double b, double* x) {
   constexpr int half = KronrodTable<Points>::kHalf;
   const double centre = 0.5 * (a + b);
   const double h = 0.5 * (b - a);
+  x[0] = centre;
+  int i = 1;
+  for (int k = 1; k < half; k += 2, i += 2) {
+    x[i] = centre - h * t.nodes[k];
+    x[i + 1] = centre + h * t.nodes[k];
+  }
+  for (int k = 0; k < half; k += 2, i += 2) {
+    x[i] = centre - h * t.nodes[k];
+    x[i + 1] = centre + h * t.nodes[k];
+  }
+}
+
+// The rule from the Points values fv at the abscissae of rule_abscissae on a subinterval of half-length h (negative
+// when it runs backwards). The error estimate is rescaled_error((Kronrod - Gauss) h).
+template <int Points>
+RuleEstimate combine_rule(const KronrodTable<Points>& t, const double* fv, double h) {
+  constexpr int half = KronrodTable<Points>::kHalf;
   const double abs_h = std::abs(h);
-  const double f_centre = f(centre);
+  const double f_centre = fv[0];
   double resg = half % 2 == 1 ? t.gauss_weights[half / 2] * f_centre : 0.0;  // the centre is a Gauss node
   double resk = t.kronrod_weights[half] * f_centre;
   double resabs = std::abs(resk);
   std::array<double, half> fv1, fv2;
-  for (int j = 0; j < half / 2; ++j) {
+  int i = 1;
+  for (int j = 0; j < half / 2; ++j, i += 2) {
     const int k = 2 * j + 1;
-    const double x = h * t.nodes[k];
-    const double f1 = f(centre - x);
-    const double f2 = f(centre + x);
+    const double f1 = fv[i], f2 = fv[i + 1];
     fv1[k] = f1;
     fv2[k] = f2;
     const double sum = f1 + f2;
@@ -101,11 +119,9 @@ RuleEstimate apply_rule(const KronrodTable<Points>& t, Integrand& f, double a, d
     resk += t.kronrod_weights[k] * sum;
     resabs += t.kronrod_weights[k] * (std::abs(f1) + std::abs(f2));
   }
-  for (int j = 0; j < (half + 1) / 2; ++j) {
+  for (int j = 0; j < (half + 1) / 2; ++j, i += 2) {
     const int k = 2 * j;
-    const double x = h * t.nodes[k];
-    const double f1 = f(centre - x);
-    const double f2 = f(centre + x);
+    const double f1 = fv[i], f2 = fv[i + 1];
     fv1[k] = f1;
     fv2[k] = f2;
     resk += t.kronrod_weights[k] * (f1 + f2);
@@ -118,6 +134,23 @@ RuleEstimate apply_rule(const KronrodTable<Points>& t, Integrand& f, double a, d
   resabs *= abs_h;
   resasc *= abs_h;
   return {resk * h, rescaled_error((resk - resg) * h, resabs, resasc), resabs, resasc};
+}
+
+// An integrand called with all the abscissae of one subinterval at once: f(x, fv, n) sets fv[i] = f(x[i]).
+template <class Integrand>
+concept BatchIntegrand = std::is_invocable_v<Integrand&, const double*, double*, int64_t>;
+
+// One application of the rule to [a, b]; the integrand is called point by point in the order of
+// rule_abscissae, or once for all of them.
+template <int Points, class Integrand>
+RuleEstimate apply_rule(const KronrodTable<Points>& t, Integrand& f, double a, double b) {
+  std::array<double, Points> x, fv;
+  rule_abscissae(t, a, b, x.data());
+  if constexpr (BatchIntegrand<Integrand>)
+    f(x.data(), fv.data(), int64_t{Points});
+  else
+    for (int i = 0; i < Points; ++i) fv[i] = f(x[i]);
+  return combine_rule(t, fv.data(), 0.5 * (b - a));
 }
 
 }  // namespace vek::zeros_quad

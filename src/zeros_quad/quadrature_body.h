@@ -1,6 +1,5 @@
-// What the bodies of the adaptive D01 integrators share: the integrand x -> F(X, IUSER, RUSER) called through
-// the host's adapter (or directly when the adapter is the library's own, which only calls F), and the end of a
-// run: W and IW packed and sorted (interval_list.h), RESULT and ABSERR set, the outcome reported with the
+// What the bodies of the adaptive D01 integrators share: the integrand through the host's adapter
+// (user_integrand.h), and the end of a run: W and IW packed and sorted (interval_list.h), RESULT and ABSERR set, the outcome reported with the
 // routine's messages.
 #pragma once
 
@@ -8,19 +7,9 @@
 
 #include "frame/error_buffer.h"
 #include "zeros_quad/adaptive_quadrature.h"
+#include "zeros_quad/user_integrand.h"
 
 namespace vek::zeros_quad {
-
-// body(integrand) with the integrand as a callable of one double.
-template <class Adapter, class Function, class Body>
-auto with_user_integrand(Adapter own_adapter, Adapter f_adapter, Function f, int64_t* iuser, double* ruser, Body body) {
-  if (f_adapter == own_adapter) {
-    auto integrand = [=](double x) { return f(&x, iuser, ruser); };
-    return body(integrand);
-  }
-  auto integrand = [=](double x) { return f_adapter(f, &x, iuser, ruser); };
-  return body(integrand);
-}
 
 // Runs integrate(integrand, list) over LIMIT subintervals of W and IW and finishes as described above; R is
 // the routine's message struct (table_round_off and divergent only where it declares them).
