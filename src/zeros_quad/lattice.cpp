@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 #include <numbers>
 #include <vector>
 
@@ -21,10 +22,16 @@ uint64_t pow_mod(uint64_t x, uint64_t e, uint64_t m) {
   return r;
 }
 
+// A table of n doubles that cannot exist is an allocation failure, not a length error.
+size_t table_length(int64_t n) {
+  if (static_cast<uint64_t>(n) > std::vector<double>().max_size()) throw std::bad_alloc();
+  return static_cast<size_t>(n);
+}
+
 // P2 of Korobov rules modulo n in ndim dimensions: the factors 1 + 2 pi^2 B2(m/n) tabulated once.
 class KorobovCriterion {
  public:
-  KorobovCriterion(int64_t n, int64_t ndim) : n_(n), ndim_(ndim), factor_(static_cast<size_t>(n)), z_(ndim), m_(ndim) {
+  KorobovCriterion(int64_t n, int64_t ndim) : n_(n), ndim_(ndim), factor_(table_length(n)), z_(ndim), m_(ndim) {
     const double two_pi2 = 2.0 * std::numbers::pi * std::numbers::pi;
     for (int64_t m = 0; m < n; ++m) {
       const double x = static_cast<double>(m) / static_cast<double>(n);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <new>
 #include <span>
 #include <vector>
 
@@ -53,7 +54,9 @@ void lattice(frame::ErrorBuffer& err, const zeros_quad::LatticeBatchFn& f, int64
   const auto stream = random::Stream::open(state, status);
   if (!stream) return err.fail(R::state_bad);
   // NRAND shifts of NDIM uniforms each, drawn in one call: the stream moves on as by g05saf with N = NRAND*NDIM.
-  std::vector<double> shifts(static_cast<size_t>(static_cast<__int128>(nrand) * ndim));
+  const __int128 uniforms = static_cast<__int128>(nrand) * ndim;
+  if (uniforms > static_cast<__int128>(std::vector<double>().max_size())) throw std::bad_alloc();
+  std::vector<double> shifts(static_cast<size_t>(uniforms));
   stream->uniforms(shifts);
 
   const zeros_quad::LatticeProblem problem{ndim, npts, vk, a, b, static_cast<zeros_quad::Periodising>(itrans)};

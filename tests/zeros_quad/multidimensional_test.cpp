@@ -1,7 +1,8 @@
 // d01eaf and d01fcf (Genz-Malik cubature), d01gcf and d01gdf (shifted Korobov lattice rules), d01gyf and d01gzf
 // (optimal Korobov coefficients) through their exported entries, against data/multidimensional.txt
-// (make_multidimensional_reference.py): Genz's test integrands over boxes in 2 to 10 dimensions, exact as
-// products of one-dimensional integrals by mpmath, and the coefficients of an independent exhaustive search.
+// (make_multidimensional_reference.py): Genz's test integrands over boxes, exact as
+// products of one-dimensional integrals by mpmath (2 to 15 dimensions), and the coefficients of an independent
+// exhaustive search.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -141,14 +142,14 @@ Cubature cubature(const std::vector<const Integral*>& ts, bool vector_form, doub
   return r;
 }
 
-double requested_relative(const Integral& t) { return t.family == "continuous" ? 1e-4 : 1e-6; }
+double requested_relative(const Integral& t) { return t.family == "continuous" || t.ndim > 10 ? 1e-4 : 1e-6; }
 
 // Every test integral by d01fcf: the requested accuracy met within the estimate, the estimate covering the true
 // error, one call per evaluation counted; the box reversed in its first coordinate negates the result with the
 // same evaluations. A polynomial of total degree 7 is integrated exactly by one application of the rule.
 TEST(Multidimensional, CubatureAgainstProducts) {
   load();
-  ASSERT_EQ(g_integrals.size(), 29u);
+  ASSERT_EQ(g_integrals.size(), 30u);
   for (const Integral& t : g_integrals) {
     SCOPED_TRACE(t.family + " in " + std::to_string(t.ndim) + " dimensions");
     if (t.family == "monomial") {

@@ -63,7 +63,8 @@ def integral_lines(rng):
     plan = [("oscillatory", [2, 3, 5, 8, 10], 1.0, False), ("product_peak", [2, 3, 5, 8], 1.5, False),
             ("gaussian", [2, 3, 5, 8, 10], 1.2, False), ("continuous", [2, 3, 5], 1.0, True),
             ("monomial", [2, 3, 5, 7], 0.0, False), ("periodic", [2, 3, 5, 8], 0.6, True),
-            ("gaussian", [4, 6], 1.0, True), ("product_peak", [3, 6], 1.0, True)]
+            ("gaussian", [4, 6], 1.0, True), ("product_peak", [3, 6], 1.0, True),
+            ("gaussian", [15], 0.4, True)]
     for family, dims, size, unit in plan:
         for n in dims:
             a, b = box(rng, n, unit)
