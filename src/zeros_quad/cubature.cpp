@@ -211,6 +211,30 @@ void sum_regions(const RegionHeap& heap, Record r, std::span<double> result, std
     }
 }
 
+// The bisection shows how far the parent's estimate was from the better one of its halves. Where that change
+// exceeds the errors the halves claim, the embedded estimates are unreliable there (the two rules agreed by
+// accident): the halves' errors are scaled up to add up to the change (after the subregion error adjustment of
+// Berntsen, Espelid and Genz 1991), and their priorities follow.
+void guard_estimates(Record r, const double* parent, double* first, double* second) {
+  first[Record::priority] = second[Record::priority] = 0.0;
+  for (int64_t k = 0; k < r.nfun; ++k) {
+    double& e1 = first[r.error() + k];
+    double& e2 = second[r.error() + k];
+    const double change = std::abs(first[r.value() + k] + second[r.value() + k] - parent[r.value() + k]);
+    const double claimed = e1 + e2;
+    if (change > claimed) {
+      if (claimed > 0.0) {
+        e1 *= change / claimed;
+        e2 *= change / claimed;
+      } else {
+        e1 = e2 = 0.5 * change;
+      }
+    }
+    first[Record::priority] = std::max(first[Record::priority], e1);
+    second[Record::priority] = std::max(second[Record::priority], e2);
+  }
+}
+
 }  // namespace
 
 int64_t genz_malik_points(int64_t ndim) { return (int64_t{1} << ndim) + 2 * ndim * ndim + 2 * ndim + 1; }
@@ -273,6 +297,7 @@ CubatureOutcome integrate_cubature(const Integrands& f, const CubatureProblem& p
       out.end = CubatureEnd::not_finite;
       break;
     }
+    guard_estimates(r, top, first.data(), second.data());
     for (int64_t k = 0; k < p.nfun; ++k) {
       result[k] += first[r.value() + k] + second[r.value() + k] - top[r.value() + k];
       abserr[k] += first[r.error() + k] + second[r.error() + k] - top[r.error() + k];
