@@ -150,14 +150,14 @@ LatticeOutcome integrate_lattice(const LatticeBatchFn& f, const LatticeProblem& 
   const int64_t batch = std::min(p.npts, kLatticeBatch);
   std::vector<double> x(static_cast<size_t>(batch * n)), weight(static_cast<size_t>(batch)),
       values(static_cast<size_t>(batch));
-  std::vector<int64_t> m(static_cast<size_t>(n));
+  std::vector<uint64_t> m(static_cast<size_t>(n));  // both terms of m + vk are below 2^63: no overflow
   std::vector<double> means(static_cast<size_t>(nrand));
   const double inv_n = 1.0 / static_cast<double>(p.npts);
   LatticeOutcome out;
 
   for (int64_t s = 0; s < nrand; ++s) {
     const double* shift = shifts.data() + s * n;
-    std::fill(m.begin(), m.end(), 0);  // m_i = k vk_i mod N, k = 0, 1, ...
+    std::fill(m.begin(), m.end(), 0u);  // m_i = k vk_i mod N, k = 0, 1, ...
     double sum = 0.0;
     for (int64_t k0 = 0; k0 < p.npts; k0 += batch) {
       const int64_t count = std::min(batch, p.npts - k0);
@@ -169,8 +169,8 @@ LatticeOutcome integrate_lattice(const LatticeBatchFn& f, const LatticeProblem& 
           const Mapped y = periodise(p.transform, t);
           x[i * count + j] = p.a[i] + (p.b[i] - p.a[i]) * y.x;
           weight[j] *= (p.b[i] - p.a[i]) * y.weight;
-          m[i] += p.vk[i];
-          if (m[i] >= p.npts) m[i] -= p.npts;
+          m[i] += static_cast<uint64_t>(p.vk[i]);
+          if (m[i] >= static_cast<uint64_t>(p.npts)) m[i] -= static_cast<uint64_t>(p.npts);
         }
       std::fill(values.begin(), values.begin() + count, std::nan(""));  // a function that writes nothing
       f(count, x.data(), values.data());
