@@ -213,8 +213,8 @@ void sum_regions(const RegionHeap& heap, Record r, std::span<double> result, std
 
 // The bisection shows how far the parent's estimate was from the better one of its halves. Where that change
 // exceeds the errors the halves claim, the embedded estimates are unreliable there (the two rules agreed by
-// accident): the halves' errors are scaled up to add up to the change (after the subregion error adjustment of
-// Berntsen, Espelid and Genz 1991), and their priorities follow.
+// accident): the halves' errors are scaled up to add up to the change (a safeguard in the spirit of the error
+// estimation of Berntsen, Espelid and Genz 1991), and their priorities follow.
 void guard_estimates(Record r, const double* parent, double* first, double* second) {
   first[Record::priority] = second[Record::priority] = 0.0;
   for (int64_t k = 0; k < r.nfun; ++k) {
