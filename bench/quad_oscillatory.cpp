@@ -11,12 +11,12 @@
 #include <gsl/gsl_integration.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <numbers>
 #include <vector>
 
+#include "quadrature_timing.h"
 #include "vek.h"
 
 namespace {
@@ -27,28 +27,10 @@ constexpr int64_t kLevels = 21;
 double log_x(double x) { return x == 0 ? 0 : std::log(x); }
 double inverse_root(double x) { return x == 0 ? 0 : 1 / std::sqrt(x); }
 
-struct Counted {
-  double (*f)(double);
-  int64_t calls = 0;
-};
-
-double gsl_f(double x, void* params) {
-  auto* c = static_cast<Counted*>(params);
-  ++c->calls;
-  return c->f(x);
-}
-
 double (*g_vek_f)(double) = nullptr;
 double vek_f(const double* x, int64_t* iuser, double*) {
   ++iuser[0];
   return g_vek_f(*x);
-}
-
-template <class Integrate>
-double us_per_integration(Integrate integrate, int repeats) {
-  const auto t0 = std::chrono::steady_clock::now();
-  for (int k = 0; k < repeats; ++k) benchmark::DoNotOptimize(integrate());
-  return std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - t0).count() / repeats;
 }
 
 void BM_Oscillatory(benchmark::State& state) {
@@ -79,8 +61,8 @@ void BM_Oscillatory(benchmark::State& state) {
     return result;
   };
   auto gsl = [&] {
-    Counted counted{g_vek_f};
-    gsl_function fn{gsl_f, &counted};
+    vek::bench::CountedFunction counted{g_vek_f};
+    gsl_function fn{vek::bench::counted_call, &counted};
     double result = 0, abserr = 0;
     if (fourier)
       gsl_integration_qawf(&fn, 0.0, 1e-10, kLimit + 1, gc, gw, table, &result, &abserr);
@@ -96,11 +78,11 @@ void BM_Oscillatory(benchmark::State& state) {
   constexpr int kRepeats = 50;
   double vek_us = 1e300, gsl_us = 1e300, gsl_table_us = 1e300;
   for (auto _ : state) {
-    const double v = us_per_integration(vek, kRepeats);
-    const double g = us_per_integration(gsl, kRepeats);
+    const double v = vek::bench::us_per_integration(vek, kRepeats);
+    const double g = vek::bench::us_per_integration(gsl, kRepeats);
     vek_us = std::min(vek_us, v);
     gsl_us = std::min(gsl_us, g);
-    gsl_table_us = std::min(gsl_table_us, us_per_integration(gsl_table, kRepeats));
+    gsl_table_us = std::min(gsl_table_us, vek::bench::us_per_integration(gsl_table, kRepeats));
     state.SetIterationTime(v * kRepeats * 1e-6);
   }
   gsl_integration_qawo_table_free(table);

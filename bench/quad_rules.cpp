@@ -13,12 +13,12 @@
 #include <gsl/gsl_integration.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <utility>
 #include <vector>
 
+#include "quadrature_timing.h"
 #include "vek.h"
 
 namespace {
@@ -51,19 +51,12 @@ double ajf_f(const double* x, int64_t* iuser, double*) {
   return kProblems[iuser[1]].f(*x, 1 - *x);
 }
 
-template <class Integrate>
-double us_per_integration(Integrate integrate, int repeats) {
-  const auto t0 = std::chrono::steady_clock::now();
-  for (int k = 0; k < repeats; ++k) benchmark::DoNotOptimize(integrate());
-  return std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - t0).count() / repeats;
-}
-
 // The library's call and the baseline timed in turn at every iteration: the best microseconds per call of each.
 template <class Ours, class Baseline>
 std::pair<double, double> best_times(benchmark::State& state, Ours ours, Baseline baseline, int repeats) {
   double ours_us = 1e300, baseline_us = 1e300;
   for (auto _ : state) {
-    const double o = us_per_integration(ours, repeats), b = us_per_integration(baseline, repeats);
+    const double o = vek::bench::us_per_integration(ours, repeats), b = vek::bench::us_per_integration(baseline, repeats);
     ours_us = std::min(ours_us, o);
     baseline_us = std::min(baseline_us, b);
     state.SetIterationTime(o * repeats * 1e-6);

@@ -11,11 +11,11 @@
 #include <gsl/gsl_integration.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <vector>
 
+#include "quadrature_timing.h"
 #include "vek.h"
 
 namespace {
@@ -36,24 +36,6 @@ double (*const kIntegrands[])(double) = {log_lorentz, cubic_inverse, log_square,
 double vek_f(const double* x, int64_t* iuser, double*) {
   ++iuser[0];
   return kIntegrands[iuser[1]](*x);
-}
-
-struct Counted {
-  double (*f)(double);
-  int64_t calls = 0;
-};
-
-double gsl_f(double x, void* params) {
-  auto* c = static_cast<Counted*>(params);
-  ++c->calls;
-  return c->f(x);
-}
-
-template <class Integrate>
-double us_per_integration(Integrate integrate, int repeats) {
-  const auto t0 = std::chrono::steady_clock::now();
-  for (int k = 0; k < repeats; ++k) benchmark::DoNotOptimize(integrate());
-  return std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - t0).count() / repeats;
 }
 
 void BM_QuadInf(benchmark::State& state) {
@@ -98,8 +80,8 @@ void BM_QuadInf(benchmark::State& state) {
     return result;
   };
   auto gsl = [&] {
-    Counted counted{kIntegrands[problem]};
-    gsl_function fn{gsl_f, &counted};
+    vek::bench::CountedFunction counted{kIntegrands[problem]};
+    gsl_function fn{vek::bench::counted_call, &counted};
     double result = 0, abserr = 0;
     size_t neval = 0;
     switch (problem) {
@@ -118,23 +100,9 @@ void BM_QuadInf(benchmark::State& state) {
     gsl_evals = counted.calls;
     return result;
   };
-  constexpr int kRepeats = 50;
-  double vek_us = 1e300, gsl_us = 1e300;
-  for (auto _ : state) {
-    const double v = us_per_integration(vek, kRepeats);
-    const double g = us_per_integration(gsl, kRepeats);
-    vek_us = std::min(vek_us, v);
-    gsl_us = std::min(gsl_us, g);
-    state.SetIterationTime(v * kRepeats * 1e-6);
-  }
+  vek::bench::race_against_gsl(state, vek, gsl, vek_evals, gsl_evals);
   gsl_integration_qaws_table_free(table);
   gsl_integration_workspace_free(gw);
-  state.counters["vek_evals"] = static_cast<double>(vek_evals);
-  state.counters["gsl_evals"] = static_cast<double>(gsl_evals);
-  state.counters["vek_us"] = vek_us;
-  state.counters["gsl_us"] = gsl_us;
-  state.counters["vs_gsl"] = vek_us / gsl_us;
-  if (vek_evals != gsl_evals) state.SkipWithError("the evaluation counts differ");
 }
 
 }  // namespace
