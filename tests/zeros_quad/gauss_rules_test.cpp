@@ -329,32 +329,42 @@ TEST(GaussRules, ReverseCommunicationIsD01ajf) {
 
 TEST(GaussRules, EveryMessage) {
   using vek::testing::ReportCase;
-  auto bcf = [](int64_t itype, double a, double b, double c, double d, int64_t n) {
-    return [=](int64_t* fail) { *fail = gauss(itype, a, b, c, d, n, *fail).ifail; };
+  // The argument checks of the rule family, each provoked through the generator and through d01baf.
+  struct FamilyCase {
+    const char* what;
+    int64_t ifail;
+    std::vector<std::string> records;
+    int64_t itype;
+    double a, b, c, d;
+    int64_t n;
   };
-  vek::testing::expect_reports(
-      "D01BCF",
-      {{"ITYPE", 1, {"** On entry, ITYPE = 0", "** Constraint: ITYPE = 1, 2, 3, 4, 5, -1, -2, -3, -4 or -5."},
-        bcf(0, 0, 1, 0, 0, 3)},
-       {"N", 2, {"** On entry, N = 0", "** Constraint: 1 <= N <= 10000."}, bcf(1, 0, 1, 0, 0, 0)},
-       {"interval", 3, {"** On entry, ITYPE = -5, A = 1 and B = 1", "** Constraint: A and B finite, A < B."},
-        bcf(-5, 1, 1, 0, 0, 3)},
-       {"scale", 3, {"** On entry, ITYPE = 4, A = 0 and B = -1", "** Constraint: A and B finite, B > 0.0."},
-        bcf(4, 0, -1, 0, 0, 3)},
-       {"rational", 3, {"** On entry, ITYPE = 2, A = 1 and B = -1", "** Constraint: A and B finite, A + B > 0.0."},
-        bcf(2, 1, -1, 2, 0, 3)},
-       {"C", 4, {"** On entry, ITYPE = 3 and C = -1", "** Constraint: -1.0 < C <= 1000.0."}, bcf(3, 0, 1, -1, 0, 3)},
-       {"C rational", 4, {"** On entry, ITYPE = 2 and C = 1", "** Constraint: 1.0 < C <= 1000.0."},
-        bcf(2, 0, 1, 1, 0, 3)},
-       {"D", 4, {"** On entry, ITYPE = 5 and D = NaN", "** Constraint: -1.0 < D <= 1000.0."},
-        bcf(5, 0, 1, 0, NAN, 3)}});
-
-  vek::testing::expect_reports(
-      "D01BAF", {{"not finite", 5, {"** F returned a value that is not finite at X = 0.5."}, [](int64_t* fail) {
-                    int64_t itype = 1, n = 1, iuser[1] = {0};
-                    double a = 0, b = 1, c = 0, d = 0, result, ruser[1] = {NAN};
-                    d01baf_(rule_f, &itype, &a, &b, &c, &d, &n, &result, iuser, ruser, fail);
-                  }}});
+  const std::vector<FamilyCase> family = {
+      {"ITYPE", 1, {"** On entry, ITYPE = 0", "** Constraint: ITYPE = 1, 2, 3, 4, 5, -1, -2, -3, -4 or -5."}, 0, 0, 1, 0, 0, 3},
+      {"N", 2, {"** On entry, N = 0", "** Constraint: 1 <= N <= 10000."}, 1, 0, 1, 0, 0, 0},
+      {"interval", 3, {"** On entry, ITYPE = -5, A = 1 and B = 1", "** Constraint: A and B finite, A < B."}, -5, 1, 1, 0, 0, 3},
+      {"scale", 3, {"** On entry, ITYPE = 4, A = 0 and B = -1", "** Constraint: A and B finite, B > 0.0."}, 4, 0, -1, 0, 0, 3},
+      {"rational", 3, {"** On entry, ITYPE = 2, A = 1 and B = -1", "** Constraint: A and B finite, A + B > 0.0."}, 2, 1, -1, 2, 0, 3},
+      {"C", 4, {"** On entry, ITYPE = 3 and C = -1", "** Constraint: -1.0 < C <= 1000.0."}, 3, 0, 1, -1, 0, 3},
+      {"C rational", 4, {"** On entry, ITYPE = 2 and C = 1", "** Constraint: 1.0 < C <= 1000.0."}, 2, 0, 1, 1, 0, 3},
+      {"D", 4, {"** On entry, ITYPE = 5 and D = NaN", "** Constraint: -1.0 < D <= 1000.0."}, 5, 0, 1, 0, NAN, 3}};
+  std::vector<ReportCase> generator, integration;
+  for (const FamilyCase& f : family) {
+    generator.push_back({f.what, f.ifail, f.records, [f](int64_t* fail) {
+                           *fail = gauss(f.itype, f.a, f.b, f.c, f.d, f.n, *fail).ifail;
+                         }});
+    integration.push_back({f.what, f.ifail, f.records, [f](int64_t* fail) {
+                            int64_t itype = f.itype, n = f.n, iuser[1] = {0};
+                            double a = f.a, b = f.b, c = f.c, d = f.d, result, ruser[1] = {1.0};
+                            d01baf_(rule_f, &itype, &a, &b, &c, &d, &n, &result, iuser, ruser, fail);
+                          }});
+  }
+  integration.push_back({"not finite", 5, {"** F returned a value that is not finite at X = 0.5."}, [](int64_t* fail) {
+                          int64_t itype = 1, n = 1, iuser[1] = {0};
+                          double a = 0, b = 1, c = 0, d = 0, result, ruser[1] = {NAN};
+                          d01baf_(rule_f, &itype, &a, &b, &c, &d, &n, &result, iuser, ruser, fail);
+                        }});
+  vek::testing::expect_reports("D01BCF", generator);
+  vek::testing::expect_reports("D01BAF", integration);
 
   auto fbf = [](int64_t ndim, std::vector<int64_t> nptvec, int64_t lwa, double r) {
     return [=](int64_t* fail) {
