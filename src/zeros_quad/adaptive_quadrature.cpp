@@ -148,11 +148,22 @@ class Extrapolating {
   }
 
   bool extrapolation_allowed() const { return extrapolation_allowed_; }
-  const Bisection& last_bisection() const { return h_; }
 
   // Whether to go on bisecting instead of extrapolating now: while the interval of largest error is large,
   // and, once the smallest intervals carry the largest errors, while a large one is found near the top of the
   // ordering list (which is then bisected next). halves_large: the last halves count as large.
+  // One step once extrapolation is allowed: go on bisecting while keep_bisecting says so (the last halves count
+  // as large when wider than `small`); otherwise extrapolate and restart from the interval of largest error with
+  // `small` halved. True when the run ends.
+  template <class IsLarge>
+  bool extrapolation_step(int64_t last, double& small, IsLarge is_large) {
+    if (keep_bisecting(last, std::abs(h_.mid - h_.a1) > small, is_large)) return false;
+    if (extrapolate()) return true;
+    restart_from_largest();
+    small *= 0.5;
+    return false;
+  }
+
   template <class IsLarge>
   bool keep_bisecting(int64_t last, bool halves_large, IsLarge is_large) {
     erlarg_ -= erlast_;
@@ -268,11 +279,7 @@ QuadratureOutcome integrate_extrapolated(RuleOnInterval rule, double a, double b
       continue;
     }
     if (!d.extrapolation_allowed()) continue;
-    const Bisection& h = d.last_bisection();
-    if (d.keep_bisecting(last, std::abs(h.mid - h.a1) > small, large)) continue;
-    if (d.extrapolate()) break;
-    d.restart_from_largest();
-    small *= 0.5;
+    if (d.extrapolation_step(last, small, large)) break;
   }
   return d.finish();
 }
@@ -440,11 +447,7 @@ QuadratureOutcome integrate_oscillatory(RuleAtLevel rule, double a, double b, do
       d.measure_large_from_here();
       continue;
     }
-    const Bisection& h = d.last_bisection();
-    if (d.keep_bisecting(last, std::abs(h.mid - h.a1) > small, large)) continue;
-    if (d.extrapolate()) break;
-    d.restart_from_largest();
-    small *= 0.5;
+    if (d.extrapolation_step(last, small, large)) break;
   }
   return d.finish();
 }
